@@ -1,0 +1,50 @@
+#include "host/props_text.h"
+
+QList<QPair<QString, QString>> SplitPropsText(const QString& text)
+{
+    QList<QPair<QString, QString>> pairs;
+    QString rest = text;
+    for (;;) {
+        QString key;
+        const int eq = rest.indexOf(QLatin1Char('='));
+        if (eq < 0) {
+            key = rest;
+            rest.clear();
+        } else {
+            key = rest.left(eq);
+            rest = rest.mid(eq + 1);
+        }
+        key = key.trimmed();
+
+        QString value;
+        rest = rest.trimmed();
+        if (rest.startsWith(QLatin1Char('{'))) {
+            rest = rest.mid(1);
+            const int close = rest.indexOf(QLatin1Char('}'));
+            if (close < 0) {
+                value = rest;
+                rest.clear();
+            } else {
+                value = rest.left(close);
+                rest = rest.mid(close + 1);
+                const int semi = rest.indexOf(QLatin1Char(';'));
+                rest = semi < 0 ? QString() : rest.mid(semi + 1);
+            }
+        } else {
+            const int semi = rest.indexOf(QLatin1Char(';'));
+            if (semi < 0) {
+                value = rest;
+                rest.clear();
+            } else {
+                value = rest.left(semi);
+                rest = rest.mid(semi + 1);
+            }
+        }
+        value = value.trimmed();
+
+        if (key.isEmpty())
+            break;
+        pairs.append({key, value});
+    }
+    return pairs;
+}

@@ -1,0 +1,38 @@
+#pragma once
+// The order's goods lines: the one module-wide GoodsLineSet, the barcode
+// lookups and the state shared by the goods views.
+#include "host/goods_record.h"
+#include "host/record_list.h"
+#include <QString>
+#include <QVariant>
+
+// Loads the goods lines of the order with this unique code or logistics number
+// into the module-wide set (emptied in place) and returns it.
+RecordList LoadOrderGoods(const QString& code);
+// FItemID and FSerialClassID of the web-order goods with this barcode; empty when none.
+GoodsRecord FindWebOrderGoodsByBarCode(const QString& barCode);
+bool HasGoodsLines();
+// Index of the first line whose GoodsID and FEntryID equal the arguments as text;
+// -1 when none, -2 at once when goodsId is 0.
+qint32 FindGoodsLineIndex(qint32 goodsId, const QString& entryId);
+RecordList GetGoodsLineSet();    // none() before the first load and after ResetSessionState
+QVariant GetWebshopName();
+void SetClearPictureFolder(bool clear);
+bool ClearPictureFolderPending();
+void ResetSessionState();
+QString PictureTempFolder();     // the component's folder followed by "temp/" (or the per-user cache)
+
+// The statements, built exactly as the system sends them.
+QString BuildOrderGoodsSql(const QString& code);
+QString BuildBarCodeLookupSql(const QString& barCode);
+// The five lines of the price-change filter, each ended by CR LF.
+QString PriceChangeFilterSql();
+
+// State shared between the goods views and the scan: the current goods and
+// entry (kept as text, set from numbers) and the current goods line.
+void SetCurrentGoodsID(const QString& goodsId);
+QString CurrentGoodsID();
+void SetCurrentEntryID(const QString& entryId);
+QString CurrentEntryID();
+void SetCurrentGoodsLine(const GoodsRecord& line);
+GoodsRecord CurrentGoodsLine();  // none() when not set
