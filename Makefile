@@ -4,7 +4,12 @@ RELEASE_DIR := build/release
 TEST_DIR := build/asan
 DEMO_ARGS ?= --demo
 
-.PHONY: all deps build run test bench fuzz fuzz-long clean
+FUZZ_DIR := build/fuzz
+FUZZERS := props_fuzzer find_prop_fuzzer tsql_bridge_fuzzer message_fuzzer verdict_fuzzer
+FUZZ_SECONDS ?= 10
+FUZZ_LONG_SECONDS ?= 600
+
+.PHONY: all deps build run test bench fuzz fuzz-build fuzz-long clean
 
 all: build
 
@@ -22,6 +27,18 @@ test: deps
 	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DRNW_SANITIZE=ON -DRNW_TESTS=ON >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j 1
+	$(MAKE) --no-print-directory fuzz
+
+fuzz-build: deps
+	cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ -DRNW_FUZZ=ON -DRNW_TESTS=OFF >/dev/null
+	cmake --build $(FUZZ_DIR) -j $(JOBS)
+
+# A short run of every fuzz target (part of `make test`); fuzz-long for hours' worth.
+fuzz: fuzz-build
+	@bash scripts/run-fuzzers.sh $(FUZZ_DIR)/bin $(FUZZ_SECONDS) $(FUZZERS)
+
+fuzz-long: fuzz-build
+	@bash scripts/run-fuzzers.sh $(FUZZ_DIR)/bin $(FUZZ_LONG_SECONDS) $(FUZZERS)
 
 clean:
 	rm -rf build

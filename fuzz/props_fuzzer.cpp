@@ -1,0 +1,31 @@
+// The property-string grammar: never crashes, every key is non-empty and
+// trimmed, and the parsed set answers every key it was given.
+#include "fuzz_text.h"
+#include "host/host_error.h"
+#include "host/props_text.h"
+#include "session/host_session.h"
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    const QString text = fuzzText(data, size);
+    const auto pairs = SplitPropsText(text);
+    bool duplicate = false;
+    for (int i = 0; i < pairs.size(); ++i) {
+        FUZZ_CHECK(!pairs[i].first.isEmpty());
+        FUZZ_CHECK(pairs[i].first == pairs[i].first.trimmed());
+        FUZZ_CHECK(pairs[i].second == pairs[i].second.trimmed());
+        for (int j = 0; j < i; ++j)
+            duplicate = duplicate || pairs[j].first.compare(pairs[i].first, Qt::CaseInsensitive) == 0;
+    }
+    try {
+        ParsePropsString(text);
+        FUZZ_CHECK(!duplicate);
+        for (const auto& p : pairs)
+            FUZZ_CHECK(GetPropValue(p.first.toUpper()) == p.second);
+    } catch (const HostError&) {
+        FUZZ_CHECK(duplicate);
+    }
+    return 0;
+}

@@ -1,0 +1,25 @@
+// The verdict text: passed exactly when nothing is off, and the order code
+// always leads the text unless it holds one of the replaced words itself.
+#include "fuzz_text.h"
+#include "station/verdict.h"
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    if (size < 12)
+        return 0;
+    qint32 counts[3];
+    std::memcpy(counts, data, sizeof counts);
+    const QString code = fuzzText(data + 12, size - 12);
+    const VerdictText v = ComposeVerdict(code, counts[0], counts[1], counts[2]);
+    FUZZ_CHECK(v.success == (counts[0] == 0 && counts[1] == 0 && counts[2] == 0));
+    const bool plainCode = !code.contains(QLatin1Char(',')) && !code.contains(QStringLiteral("异常"))
+        && !code.contains(QStringLiteral("0件"));
+    if (plainCode)
+        FUZZ_CHECK(v.text.startsWith(code));
+    if (!v.success && plainCode)
+        FUZZ_CHECK(v.text.contains(QStringLiteral("异常")));
+    return 0;
+}

@@ -1,0 +1,20 @@
+#pragma once
+// The demo warehouse: a real SQLite file with items, barcodes, serials,
+// pictures and orders that exercise every path of the station.
+#include <QString>
+
+// Creates (replacing any file of that name) the demo database. The same data
+// every run. largeOrderLines > 0 adds the benchmark order "BENCH<N>" of that
+// many lines over generated items with barcodes and pictures.
+void CreateDemoDatabase(const QString& file, int largeOrderLines = 0);
+
+// The host property string for a demo database, e.g.
+// "UserID=1;ConnectString={Provider=SQLite;Data Source=<file>};".
+QString DemoPropsString(const QString& dbFile, int userId = 1);
+
+// Where the schema is read from: the component's folder ("schema.sql").
+QString DemoSchemaPath();
+
+// Flips a company setting of the demo database (category 'EC'), e.g.
+// SetDemoSystemProfile(file, "DeliveryWhenWeightedOrPick", "0").
+void SetDemoSystemProfile(const QString& file, const QString& key, const QString& value);
