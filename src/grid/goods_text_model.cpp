@@ -1,0 +1,189 @@
+#include "grid/goods_text_model.h"
+#include <QtGlobal>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace {
+
+QString idText(const GoodsRecord& line, const char* key)
+{
+    return line.GetValue(QString::fromLatin1(key), QStringLiteral("0")).toString();
+}
+
+bool sameGoods(const GoodsRecord& line, qint32 goodsId)
+{
+    return GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsID"), 0)) == goodsId;
+}
+
+bool sameEntry(const GoodsRecord& line, qint32 entryId)
+{
+    return GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("FEntryID"), 0)) == entryId;
+}
+
+qint64 checked(const GoodsRecord& line)
+{
+    return GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsCheckedCnt"), 0));
+}
+
+qint64 ordered(const GoodsRecord& line)
+{
+    return GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsOrderCnt"), 0));
+}
+
+qint32 toLong(qint64 value)
+{
+    return qint32(qBound(qint64(std::numeric_limits<qint32>::min()), value, qint64(std::numeric_limits<qint32>::max())));
+}
+
+} // namespace
+
+GoodsRecord GoodsTextModel::line(int index) const
+{
+    if (!hasList() || index < 0 || index > m_list.UpperBound())
+        return GoodsRecord::none();
+    return m_list.Item(index);
+}
+
+qint64 GoodsTextModel::wholeNumber(const QVariant& value)
+{
+    if (!value.isValid() || value.isNull())
+        return 0;
+    bool ok = false;
+    const double d = value.toString().trimmed().toDouble(&ok);
+    if (!ok || !std::isfinite(d))
+        return 0;
+    // Counts are whole numbers; an odd fraction rounds like the classic runtime does.
+    return qint64(std::nearbyint(qBound(-9.0e18, d, 9.0e18)));
+}
+
+QString GoodsTextModel::rowKey(const GoodsRecord& line)
+{
+    return idText(line, "GoodsID") + idText(line, "FEntryID");
+}
+
+GoodsRecord GoodsTextModel::firstLine(qint32 goodsId) const
+{
+    for (int i = 0; i <= upperBound(); ++i) {
+        const GoodsRecord g = m_list.Item(i);
+        if (sameGoods(g, goodsId))
+            return g;
+    }
+    return GoodsRecord::none();
+}
+
+GoodsRecord GoodsTextModel::lineOf(qint32 goodsId, qint32 entryId) const
+{
+    for (int i = 0; i <= upperBound(); ++i) {
+        const GoodsRecord g = m_list.Item(i);
+        if (sameGoods(g, goodsId) && sameEntry(g, entryId))
+            return g;
+    }
+    return GoodsRecord::none();
+}
+
+int GoodsTextModel::shownIndexOf(qint32 goodsId) const
+{
+    for (int i = 1; i <= upperBound(); ++i) {
+        if (sameGoods(m_list.Item(i), goodsId))
+            return i;
+    }
+    return -1;
+}
+
+int GoodsTextModel::shownIndexOf(qint32 goodsId, qint32 entryId) const
+{
+    for (int i = 1; i <= upperBound(); ++i) {
+        const GoodsRecord g = m_list.Item(i);
+        if (sameGoods(g, goodsId) && sameEntry(g, entryId))
+            return i;
+    }
+    return -1;
+}
+
+qint32 GoodsTextModel::addOne(GoodsRecord& line)
+{
+    const qint32 count = toLong(checked(line) + 1);
+    line.SetValue(QStringLiteral("GoodsCheckedCnt"), count);
+    return count;
+}
+
+qint16 GoodsTextModel::status(const GoodsRecord& line)
+{
+    const qint64 p = checked(line);
+    const qint64 o = ordered(line);
+    if (p < o)
+        return Short;
+    return p == o ? Complete : Excess;
+}
+
+qint32 GoodsTextModel::pickedCnt(const GoodsRecord& line)
+{
+    return toLong(qMin(checked(line), ordered(line)));
+}
+
+qint32 GoodsTextModel::excessCnt(const GoodsRecord& line)
+{
+    const qint64 p = checked(line);
+    const qint64 o = ordered(line);
+    return p > o ? toLong(p - o) : 0;
+}
+
+qint16 GoodsTextModel::IsPicked(qint32 goodsId) const
+{
+    const int i = shownIndexOf(goodsId);
+    return i < 0 ? qint16(Short) : status(m_list.Item(i));
+}
+
+qint16 GoodsTextModel::IsPickedNew(qint32 goodsId, qint32 entryId) const
+{
+    const int i = shownIndexOf(goodsId, entryId);
+    return i < 0 ? qint16(Short) : status(m_list.Item(i));
+}
+
+qint32 GoodsTextModel::GetPickedCnt(qint32 goodsId) const
+{
+    if (!hasList() || upperBound() < 0 || goodsId == 0)
+        return 0;
+    const GoodsRecord g = firstLine(goodsId);
+    return g.isNone() ? 0 : pickedCnt(g);
+}
+
+qint32 GoodsTextModel::GetExcessCnt(qint32 goodsId) const
+{
+    if (!hasList() || upperBound() < 0 || goodsId == 0)
+        return 0;
+    const GoodsRecord g = firstLine(goodsId);
+    return g.isNone() ? 0 : excessCnt(g);
+}
+
+qint32 GoodsTextModel::GetGoodsIndex(const QString& goodsId) const
+{
+    if (goodsId.trimmed().isEmpty())
+        return -2;
+    for (int i = 0; i <= upperBound(); ++i) {
+        if (idText(m_list.Item(i), "GoodsID") == goodsId)
+            return i;
+    }
+    return -1;
+}
+
+void GoodsTextModel::partitionUnfinishedFirst()
+{
+    if (upperBound() < 0)
+        return;
+    std::vector<GoodsRecord> copy;
+    copy.reserve(size_t(m_list.Count()));
+    for (int i = 0; i <= m_list.UpperBound(); ++i)
+        copy.push_back(m_list.Item(i));
+    // Emptied and refilled in place: the tile view and the scan hold this same set.
+    m_list.Clear();
+    for (const GoodsRecord& g : copy) {
+        if (checked(g) < ordered(g))
+            m_list.Add(g);
+    }
+    for (const GoodsRecord& g : copy) {
+        if (checked(g) >= ordered(g))
+            m_list.Add(g);
+    }
+}

@@ -1,0 +1,93 @@
+#pragma once
+// Loads orders into the module-wide goods set through the real LoadOrderGoods,
+// with a middle tier that answers from rows given by the test, and records
+// the error boxes instead of showing them.
+#include "host/object_factory.h"
+#include "host/recordset.h"
+#include "host/server_objects.h"
+#include "orderdata/order_goods.h"
+#include "session/host_session.h"
+#include "session/language.h"
+#include <QStringList>
+#include <gtest/gtest.h>
+#include <memory>
+#include <vector>
+
+struct OrderRow {
+    int entryId;
+    int itemId;
+    QString name;
+    QString barCode;
+    QString model;
+    int quantity;
+    int serialClass = 0;
+};
+
+class RowsGetData : public IGetData {
+public:
+    std::vector<OrderRow> rows;
+    RecordsetPtr ExecuteSQL(const QString&, const QString&) override
+    {
+        const QStringList columns = {"FEntryID", "FBatchNo", "FSPID", "FStockID", "FItemID", "FModel", "FItemName",
+                                     "FBarCode", "FSerialClassID", "FPicID", "FWebshopName", "FQuantity"};
+        std::vector<std::vector<QVariant>> data;
+        for (const OrderRow& r : rows) {
+            // FPicID NULL: no picture is written for these lines.
+            data.push_back({r.entryId, QString(), 0, 1, r.itemId, r.model, r.name, r.barCode, r.serialClass,
+                            QVariant(), QStringLiteral("店铺"), r.quantity});
+        }
+        return std::make_shared<Recordset>(columns, std::move(data));
+    }
+    std::optional<GoodsRecord> CheckReturnBills(const GoodsRecord&) override { return std::nullopt; }
+};
+
+class RecordingMessageBox : public IMessageBox {
+public:
+    QStringList texts;
+    int Show(QWidget*, const QString& text, int, const QString&) override
+    {
+        texts << text;
+        return MsgBox::Ok;
+    }
+};
+
+class FixedLanguage : public ILangInfo {
+public:
+    explicit FixedLanguage(QString code) : m_code(std::move(code)) {}
+    QString CurrentLanguage() override { return m_code; }
+
+private:
+    QString m_code;
+};
+
+class OrderFixture : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        getData = std::make_shared<RowsGetData>();
+        boxes = std::make_shared<RecordingMessageBox>();
+        RegisterServerObject(ProgIds::GetData, [d = getData] { return d; });
+        RegisterServerObject(ProgIds::MessageBox, [b = boxes] { return b; });
+        RegisterServerObject(ProgIds::LangInfo, [] { return std::make_shared<FixedLanguage>(QStringLiteral("chs")); });
+        ResetLanguageCache();
+        SetPropsHostObject([] { return QStringLiteral("ConnectString={Provider=SQLite;Data Source=:memory:}"); });
+        SetCurrentGoodsID(QString());
+        SetCurrentEntryID(QString());
+        SetCurrentGoodsLine(GoodsRecord::none());
+    }
+    void TearDown() override
+    {
+        ResetSessionState();
+        ResetHostSession();
+        ResetLanguageCache();
+        RestoreBuiltInServerObjects();
+    }
+    RecordList load(std::vector<OrderRow> rows)
+    {
+        getData->rows = std::move(rows);
+        return LoadOrderGoods(QStringLiteral("SF1001"));
+    }
+
+    std::shared_ptr<RowsGetData> getData;
+    std::shared_ptr<RecordingMessageBox> boxes;
+};

@@ -1,0 +1,105 @@
+#include "grid/goods_text_model.h"
+#include <gtest/gtest.h>
+
+namespace {
+
+GoodsRecord line(int goodsId, int entryId, QVariant ordered, QVariant checked)
+{
+    GoodsRecord g;
+    g.Add("FEntryID", entryId);
+    g.Add("GoodsID", goodsId);
+    g.Add("GoodsOrderCnt", ordered);
+    g.Add("GoodsCheckedCnt", checked);
+    return g;
+}
+
+QList<int> goodsOrder(const RecordList& list)
+{
+    QList<int> ids;
+    for (int i = 0; i <= list.UpperBound(); ++i)
+        ids << list.Item(i).GetValue("GoodsID").toInt();
+    return ids;
+}
+
+} // namespace
+
+TEST(GoodsTextModel, CountsOneLineThroughShortCompleteAndExcess)
+{
+    RecordList list;
+    list.Add(line(99, 1, 5, 0));          // index 0: never asked about by the index walks
+    GoodsRecord g = line(25, 7, 2, 0);
+    list.Add(g);
+    GoodsTextModel model;
+    model.setList(list);
+
+    EXPECT_EQ(GoodsTextModel::addOne(g), 1);
+    EXPECT_EQ(model.IsPickedNew(25, 7), GoodsTextModel::Short);
+    EXPECT_EQ(model.GetPickedCnt(25), 1);
+    GoodsTextModel::addOne(g);
+    EXPECT_EQ(model.IsPickedNew(25, 7), GoodsTextModel::Complete);
+    EXPECT_EQ(model.IsPicked(25), GoodsTextModel::Complete);
+    EXPECT_EQ(model.GetPickedCnt(25), 2);
+    EXPECT_EQ(model.GetExcessCnt(25), 0);
+    GoodsTextModel::addOne(g);
+    EXPECT_EQ(model.IsPickedNew(25, 7), GoodsTextModel::Excess);
+    EXPECT_EQ(model.GetPickedCnt(25), 2);
+    EXPECT_EQ(model.GetExcessCnt(25), 1);
+    EXPECT_EQ(list.Item(1).GetValue("GoodsCheckedCnt").toInt(), 3);   // written into the shared line
+
+    // Index 0 is outside the index walks but found by the list searches.
+    EXPECT_EQ(model.IsPicked(99), GoodsTextModel::Short);
+    EXPECT_EQ(model.shownIndexOf(99), -1);
+    EXPECT_TRUE(model.firstLine(99).sameRecord(list.Item(0)));
+    EXPECT_EQ(model.IsPickedNew(25, 8), GoodsTextModel::Short);
+    EXPECT_EQ(model.GetPickedCnt(0), 0);
+    EXPECT_EQ(model.GetExcessCnt(31), 0);
+
+    // Counts read from text or a decimal column compare as numbers.
+    GoodsRecord textual = line(40, 1, QStringLiteral("10"), QStringLiteral("9"));
+    EXPECT_EQ(GoodsTextModel::status(textual), GoodsTextModel::Short);
+    GoodsRecord decimal = line(41, 1, 3.0, 3);
+    EXPECT_EQ(GoodsTextModel::status(decimal), GoodsTextModel::Complete);
+}
+
+TEST(GoodsTextModel, GoodsIndexTellsBlankFromUnknownAndRowKeysJoinIds)
+{
+    RecordList list;
+    list.Add(line(11, 1, 1, 0));
+    list.Add(line(25, 7, 1, 0));
+    list.Add(line(25, 8, 1, 0));
+    GoodsTextModel model;
+    EXPECT_EQ(model.GetGoodsIndex("25"), -1);   // no list yet
+    model.setList(list);
+    EXPECT_EQ(model.GetGoodsIndex("   "), -2);
+    EXPECT_EQ(model.GetGoodsIndex(""), -2);
+    EXPECT_EQ(model.GetGoodsIndex("777"), -1);
+    EXPECT_EQ(model.GetGoodsIndex("11"), 0);
+    EXPECT_EQ(model.GetGoodsIndex("25"), 1);
+    EXPECT_EQ(model.shownIndexOf(25, 8), 2);
+    EXPECT_TRUE(model.lineOf(25, 8).sameRecord(list.Item(2)));
+    EXPECT_TRUE(model.lineOf(25, 9).isNone());
+
+    EXPECT_EQ(GoodsTextModel::rowKey(line(25, 7, 1, 0)), "257");
+    GoodsRecord bare;
+    EXPECT_EQ(GoodsTextModel::rowKey(bare), "00");
+    EXPECT_EQ(GoodsTextModel::wholeNumber(QStringLiteral(" 42 ")), 42);
+    EXPECT_EQ(GoodsTextModel::wholeNumber(QStringLiteral("abc")), 0);
+    EXPECT_EQ(GoodsTextModel::wholeNumber(QVariant()), 0);
+}
+
+TEST(GoodsTextModel, PartitionIsStableAndWorksOnTheSharedSet)
+{
+    RecordList list;
+    list.Add(line(1, 1, 2, 2));   // A complete
+    list.Add(line(2, 2, 1, 0));   // B short
+    list.Add(line(3, 3, 1, 3));   // C excess
+    list.Add(line(4, 4, 4, 0));   // D short
+    list.Add(line(5, 5, 3, 1));   // E short
+    const RecordList sameSet = list;
+    GoodsTextModel model;
+    model.setList(list);
+    model.partitionUnfinishedFirst();
+    EXPECT_EQ(goodsOrder(sameSet), (QList<int>{2, 4, 5, 1, 3}));
+    model.partitionUnfinishedFirst();   // a second pass changes nothing
+    EXPECT_EQ(goodsOrder(sameSet), (QList<int>{2, 4, 5, 1, 3}));
+}

@@ -1,0 +1,238 @@
+#include "log/log_list.h"
+#include "host/object_factory.h"
+#include "host/platform.h"
+#include "host/server_objects.h"
+#include "session/language.h"
+#include <QCheckBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLabel>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolButton>
+#include <gtest/gtest.h>
+
+namespace {
+
+class RecordingMessageBox : public IMessageBox {
+public:
+    QStringList texts;
+    int Show(QWidget*, const QString& text, int, const QString&) override
+    {
+        texts << text;
+        return MsgBox::Ok;
+    }
+};
+
+class Chinese : public ILangInfo {
+public:
+    QString CurrentLanguage() override { return QStringLiteral("chs"); }
+};
+
+GoodsRecord entry(const QString& text, bool success)
+{
+    GoodsRecord e;
+    e.Add("ID", text.left(6));
+    e.Add("log", text);
+    e.Add("bSuccess", success);
+    return e;
+}
+
+RecordList entries(const QList<std::pair<QString, bool>>& items)
+{
+    RecordList list;
+    for (const auto& [text, ok] : items)
+        list.Add(entry(text, ok));
+    return list;
+}
+
+QString screenshotDir()
+{
+    const QByteArray bin = qgetenv("RNW_BIN_DIR");
+    const QString dir = bin.isEmpty() ? QDir::currentPath() + "/screenshots"
+                                      : QString::fromLocal8Bit(bin) + "/../screenshots";
+    QDir().mkpath(dir);
+    return dir;
+}
+
+class LogListTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        boxes = std::make_shared<RecordingMessageBox>();
+        RegisterServerObject(ProgIds::MessageBox, [b = boxes] { return b; });
+        RegisterServerObject(ProgIds::LangInfo, [] { return std::make_shared<Chinese>(); });
+        ResetLanguageCache();
+        pane = std::make_unique<LogList>();
+        // Seven rows and the tool row.
+        pane->resize(TwipsToPixels(7000), TwipsToPixels(7 * LogListModel::RowHeightTwips) + 40);
+        pane->show();
+        pane->setClock([] { return QDateTime(QDate(2024, 3, 5), QTime(14, 2, 9)); });
+        pane->setSaveFileDialog([this](QWidget*, const QString& filter, const QString& proposed) {
+            ++dialogs;
+            seenFilter = filter;
+            seenName = proposed;
+            return chosen;
+        });
+    }
+    void TearDown() override
+    {
+        pane.reset();
+        ResetLanguageCache();
+        RestoreBuiltInServerObjects();
+    }
+    QToolButton* button(const char* name) { return pane->findChild<QToolButton*>(name); }
+
+    std::shared_ptr<RecordingMessageBox> boxes;
+    std::unique_ptr<LogList> pane;
+    int dialogs = 0;
+    QString seenFilter, seenName, chosen;
+};
+
+} // namespace
+
+TEST_F(LogListTest, LoadShowsNewestFirstFromTwoEntriesOn)
+{
+    pane->LoadLogList(entries({{"SF1001通过", true}}));
+    EXPECT_EQ(pane->shownCount(), 0);
+    EXPECT_TRUE(pane->allRowTexts().isEmpty());
+    pane->LoadLogList(RecordList::none());
+    EXPECT_EQ(pane->shownCount(), 0);
+
+    pane->LoadLogList(entries({{"SF1001通过", true}, {"SF1002异常, 缺少1件", false}}));
+    EXPECT_EQ(pane->allRowTexts(), (QStringList{"SF1002异常, 缺少1件", "SF1001通过"}));
+    EXPECT_EQ(pane->visibleRowTexts(), pane->allRowTexts());
+    EXPECT_EQ(pane->rowTop(1), LogListModel::RowHeightTwips);
+    EXPECT_TRUE(boxes->texts.isEmpty());
+
+    // Only-errors: entries that passed are skipped; each click asks the form.
+    int asked = 0;
+    QObject::connect(pane.get(), &LogList::FilterChanged, [&asked] { ++asked; });
+    auto* check = pane->findChild<QCheckBox*>("ChkOnlyError");
+    ASSERT_NE(check, nullptr);
+    EXPECT_EQ(check->text(), "只显示异常");
+    QTest::mouseClick(check, Qt::LeftButton);
+    EXPECT_EQ(asked, 1);
+    pane->LoadLogList(entries({{"A通过", true}, {"B异常", false}, {"C通过", true}, {"D异常", false}}));
+    EXPECT_EQ(pane->allRowTexts(), (QStringList{"D异常", "B异常"}));
+    QTest::mouseClick(check, Qt::LeftButton);
+    EXPECT_EQ(asked, 2);
+    EXPECT_FALSE(pane->onlyErrors());
+}
+
+TEST_F(LogListTest, RowsAreAFixedPoolWithOnlyTheFirstMarkInRed)
+{
+    RecordList many;
+    for (int i = 0; i < 3000; ++i)
+        many.Add(entry(QString("SF%1异常, 缺少1件, 误拣1件<b>异常</b>").arg(i), false));
+    QElapsedTimer timer;
+    timer.start();
+    pane->LoadLogList(many);
+    const qint64 ms = timer.elapsed();
+    std::printf("[ perf     ] LoadLogList 3000 entries: %lld ms\n", ms);
+    EXPECT_LT(ms, 1000);
+    EXPECT_EQ(pane->shownCount(), 3000);
+    const QList<QLabel*> rows = pane->findChildren<QLabel*>(QRegularExpression("^rtfLog"));
+    EXPECT_LE(rows.size(), 16);
+    int drawn = 0;
+    for (QLabel* row : rows)
+        drawn += row->isVisible() ? 1 : 0;
+    EXPECT_GE(drawn, 7);
+    EXPECT_EQ(pane->visibleRowTexts().size(), drawn);
+    EXPECT_EQ(pane->visibleRowTexts().first(), "SF2999异常, 缺少1件, 误拣1件<b>异常</b>");
+
+    const QString html = pane->rowHtml(0);
+    EXPECT_EQ(html.count("color:#ff0000"), 1);
+    EXPECT_TRUE(html.contains("SF2999<span style=\"color:#ff0000\">异常</span>"));
+    EXPECT_TRUE(html.contains("&lt;b&gt;异常&lt;/b&gt;"));   // the entry's own text is never markup
+    pane->AddLog(entry("SF9通过", true));
+    EXPECT_FALSE(pane->rowHtml(3000).contains("ff0000"));
+}
+
+TEST_F(LogListTest, ScrollButtonsStopAtTheLastPageAndClearKeepsThePosition)
+{
+    RecordList ten;
+    for (int i = 0; i < 10; ++i)
+        ten.Add(entry(QString("单号%1").arg(i), true));
+    pane->LoadLogList(ten);
+    QList<int> tops;
+    for (int i = 0; i < 5; ++i) {
+        QTest::mouseClick(button("ImgDown"), Qt::LeftButton);
+        tops << pane->topIndex();
+    }
+    EXPECT_EQ(tops, (QList<int>{1, 2, 3, 3, 3}));
+    EXPECT_EQ(pane->visibleRowTexts().first(), "单号6");
+    QTest::mouseClick(button("ImgUp"), Qt::LeftButton);
+    EXPECT_EQ(pane->topIndex(), 2);
+
+    pane->ClearLogList();
+    EXPECT_EQ(pane->rowCountField(), 10);
+    EXPECT_EQ(pane->topIndex(), 2);
+    pane->AddLog(entry("新单", true));
+    EXPECT_EQ(pane->rowCountField(), 10);
+    EXPECT_TRUE(pane->visibleRowTexts().isEmpty());   // above the view until scrolled up
+    EXPECT_EQ(pane->allRowTexts(), QStringList{"新单"});
+    pane->ImgUpClick();
+    pane->ImgUpClick();
+    EXPECT_EQ(pane->visibleRowTexts(), QStringList{"新单"});
+    pane->SelectedLogByIndex(-1);
+    EXPECT_EQ(pane->visibleRowTexts(), QStringList{"新单"});
+}
+
+TEST_F(LogListTest, SaveWritesTheExactBytesOrNothing)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QTest::mouseClick(button("ImgSave"), Qt::LeftButton);
+    EXPECT_EQ(dialogs, 0);   // an empty pane shows no dialog
+
+    pane->LoadLogList(entries({{"SF1001通过", true}, {"SF1002异常, 缺少1件", false}}));
+    chosen.clear();   // cancelled
+    QTest::mouseClick(button("ImgSave"), Qt::LeftButton);
+    EXPECT_EQ(dialogs, 1);
+    EXPECT_EQ(seenName, "20240305140209");
+    EXPECT_EQ(seenFilter, "文本文件 (*.txt)");
+    EXPECT_EQ(LogList::SaveFilter, "文本文件|*.txt|");
+    EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files).isEmpty());
+
+    chosen = dir.filePath("log.txt");
+    QFile old(chosen);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write(QByteArray(500, 'x'));   // a longer old file is truncated
+    old.close();
+    QTest::mouseClick(button("ImgSave"), Qt::LeftButton);
+    QFile file(chosen);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray expected = QByteArray(27, '-') + "2024/3/5 14:02:09 " + QByteArray(27, '-')
+        + "\r\nSF1002异常, 缺少1件\r\nSF1001通过\r\n";
+    EXPECT_EQ(file.readAll(), expected);
+
+    chosen = dir.filePath("no/such/folder/log.txt");
+    QTest::mouseClick(button("ImgSave"), Qt::LeftButton);
+    EXPECT_EQ(boxes->texts.size(), 1);
+}
+
+TEST_F(LogListTest, ErrorsWhileLoadingAreReportedOnce)
+{
+    QTest::mouseClick(pane->findChild<QCheckBox*>("ChkOnlyError"), Qt::LeftButton);
+    RecordList list = entries({{"A异常", false}, {"B异常", false}});
+    GoodsRecord noFlag;
+    noFlag.Add("log", "C没有标记");
+    list.Insert(1, noFlag);
+    EXPECT_NO_THROW(pane->LoadLogList(list));
+    EXPECT_EQ(pane->allRowTexts(), (QStringList{"B异常", "A异常"}));
+    EXPECT_EQ(boxes->texts.size(), 1);
+}
+
+TEST_F(LogListTest, ScreenshotOfPassedAndFailedEntries)
+{
+    pane->LoadLogList(entries({{"SF1001234567通过", true},
+                              {"SF1001234568异常, 缺少2件", false},
+                              {"78812345通过", true},
+                              {"SF1001234570异常, 超出1件, 误拣1件", false},
+                              {"SF1001234571异常, 误拣3件\r\n第二次扫描异常", false},
+                              {"SF1001234572通过", true}}));
+    EXPECT_EQ(pane->visibleRowTexts().size(), 6);
+    EXPECT_TRUE(pane->grab().save(screenshotDir() + "/log_list.png"));
+}
