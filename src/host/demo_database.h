@@ -12,7 +12,10 @@ void CreateDemoDatabase(const QString& file, int largeOrderLines = 0);
 // "UserID=1;ConnectString={Provider=SQLite;Data Source=<file>};".
 QString DemoPropsString(const QString& dbFile, int userId = 1);
 
-// Where the schema is read from: the component's folder ("schema.sql").
+// The unique code of the benchmark order (the logistics number is "BENCH<N>").
+QString BenchUniqueCode(int largeOrderLines);
+
+// The schema the generator applies: demo/schema.sql, built into the library.
 QString DemoSchemaPath();
 
 // Flips a company setting of the demo database (category 'EC'), e.g.

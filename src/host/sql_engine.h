@@ -16,6 +16,7 @@ struct ConnectionTarget {
     Kind kind = Sqlite;
     QString sqliteFile;          // Sqlite: the database file
     QString odbcConnectString;   // Odbc: the string handed to the ODBC driver manager
+    int loginTimeoutSeconds = 15; // Odbc: how long opening may take
 };
 
 // Maps a connect string to the engine that serves it. Pure: touches no file

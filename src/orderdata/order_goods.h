@@ -6,6 +6,12 @@
 #include <QString>
 #include <QVariant>
 
+// A GoodsLine holds FEntryID, FSeriNum, FBatchNo, FSPID, FStockID, FSerialID,
+// FKFPeriod, FKFDate, GoodsID, GoodsName, GoodsOrderCnt, GoodsPickCnt,
+// GoodsBarCode, GoodsCheckedCnt, FSerialClassID, FModel, FPicID, GoodsPicture
+// in this order. GoodsPickCnt and GoodsCheckedCnt start as qint16 0 (the
+// host's 16-bit integer); read them with toInt().
+
 // Loads the goods lines of the order with this unique code or logistics number
 // into the module-wide set (emptied in place) and returns it.
 RecordList LoadOrderGoods(const QString& code);
@@ -21,6 +27,9 @@ void SetClearPictureFolder(bool clear);
 bool ClearPictureFolderPending();
 void ResetSessionState();
 QString PictureTempFolder();     // the component's folder followed by "temp/" (or the per-user cache)
+// True when the component's folder could not be written and the pictures go
+// to QStandardPaths::CacheLocation + "/temp/".
+bool PictureTempFolderIsPerUser();
 
 // The statements, built exactly as the system sends them.
 QString BuildOrderGoodsSql(const QString& code);

@@ -14,5 +14,8 @@ QString LoadString(const QString& text);
 QString ExpandMessage(const QString& text);
 QString SetFrmFont(QWidget* form);
 bool IsSettingFrmFont();
+// Asks the resource loader for a key that is not a Chinese text (such as
+// "irAmUS"), whatever the language; the key itself when there is no answer.
+QString LoadResKey(const QString& key);
 // Forgets the cached language and loaders (tests; a new session).
 void ResetLanguageCache();

@@ -1,4 +1,5 @@
 #include "station/serial_lists.h"
+#include <QList>
 #include <QStringView>
 
 namespace {
