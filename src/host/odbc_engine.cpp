@@ -1,0 +1,81 @@
+#include "host/odbc_engine.h"
+#include "host/host_error.h"
+#include "host/props_text.h"
+#include <QRegularExpression>
+
+namespace {
+
+// A batch that writes runs in a transaction, so that a failing statement
+// takes the ones before it back with it.
+bool writes(const QString& tsql)
+{
+    static const QRegularExpression verbs(QStringLiteral("\\b(insert|update|delete|merge|exec|execute)\\b"),
+                                          QRegularExpression::CaseInsensitiveOption);
+    return tsql.contains(verbs);
+}
+
+} // namespace
+
+OdbcEngine::OdbcEngine(ConnectionTarget target)
+    : QtSqlEngine(QStringLiteral("QODBC"), QStringLiteral("rnw_odbc_")), m_target(std::move(target))
+{
+    for (const auto& pair : SplitPropsText(m_target.odbcConnectString)) {
+        if (pair.first.compare(QLatin1String("PWD"), Qt::CaseInsensitive) == 0
+            || pair.first.compare(QLatin1String("Password"), Qt::CaseInsensitive) == 0)
+            m_password = pair.second;
+    }
+}
+
+void OdbcEngine::configure(QSqlDatabase& db)
+{
+    db.setConnectOptions(QStringLiteral("SQL_ATTR_LOGIN_TIMEOUT=%1").arg(m_target.loginTimeoutSeconds));
+    db.setDatabaseName(m_target.odbcConnectString);
+}
+
+QString OdbcEngine::displayName() const
+{
+    return MaskPasswords(m_target.odbcConnectString);
+}
+
+QString OdbcEngine::maskSecrets(const QString& text) const
+{
+    QString masked = MaskPasswords(text);
+    if (m_password.size() >= 3)
+        masked.replace(m_password, QStringLiteral("***"));
+    return masked;
+}
+
+bool OdbcEngine::connectionLost(const QSqlError& error) const
+{
+    // SQLSTATE class 08: connection exception
+    return error.type() == QSqlError::ConnectionError
+        || error.nativeErrorCode().startsWith(QLatin1String("08"))
+        || error.nativeErrorCode().contains(QLatin1String(";08"));
+}
+
+RecordsetPtr OdbcEngine::runBatch(const QString& tsql)
+{
+    QSqlQuery query(database());
+    query.setForwardOnly(true);
+    if (!query.exec(tsql)) {
+        const QSqlError error = query.lastError();
+        query = QSqlQuery();
+        raise(error);
+    }
+    // the rows of the last statement that returns any
+    RecordsetPtr result;
+    do {
+        if (query.isSelect())
+            result = readRows(query);
+    } while (query.nextResult());
+    return result ? result : std::make_shared<Recordset>();
+}
+
+RecordsetPtr OdbcEngine::executeBatch(const QString& tsql)
+{
+    if (!writes(tsql))
+        return runBatch(tsql);
+    RecordsetPtr result;
+    inTransaction([&] { result = runBatch(tsql); });
+    return result;
+}

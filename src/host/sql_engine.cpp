@@ -1,0 +1,201 @@
+#include "host/sql_engine.h"
+#include "host/host_error.h"
+#include "host/odbc_engine.h"
+#include "host/props_text.h"
+#include "host/sqlite_engine.h"
+#include <QCoreApplication>
+#include <QHash>
+#include <QMutex>
+#include <QRegularExpression>
+#include <initializer_list>
+
+namespace {
+
+// The value of the first key of `names` that the pairs hold; a null QString
+// when none does. Keys compare case-insensitively, blanks inside them count
+// as written ("User ID", "UserID" both accepted by listing both).
+QString valueOf(const QList<QPair<QString, QString>>& pairs, std::initializer_list<const char*> names)
+{
+    for (const char* name : names) {
+        for (const auto& pair : pairs) {
+            if (pair.first.compare(QLatin1String(name), Qt::CaseInsensitive) == 0)
+                return pair.second.isNull() ? QString(QLatin1String("")) : pair.second;
+        }
+    }
+    return QString();
+}
+
+bool hasKey(const QList<QPair<QString, QString>>& pairs, std::initializer_list<const char*> names)
+{
+    return !valueOf(pairs, names).isNull();
+}
+
+bool isTrue(const QString& value)
+{
+    const QString v = value.trimmed().toLower();
+    return v == QLatin1String("sspi") || v == QLatin1String("true") || v == QLatin1String("yes");
+}
+
+// An ODBC attribute value: braced when it holds a character that would end
+// or open a value, with '}' doubled inside the braces.
+QString odbcValue(const QString& value)
+{
+    static const QRegularExpression special(QStringLiteral("[;{}=]|^\\s|\\s$"));
+    if (!value.contains(special))
+        return value;
+    QString escaped = value;
+    escaped.replace(QLatin1Char('}'), QLatin1String("}}"));
+    return QLatin1Char('{') + escaped + QLatin1Char('}');
+}
+
+void appendAttribute(QString& text, const QString& key, const QString& value)
+{
+    text += key + QLatin1Char('=') + odbcValue(value) + QLatin1Char(';');
+}
+
+struct EngineRegistry {
+    QMutex mutex;
+    QHash<QString, std::shared_ptr<SqlEngine>> engines;
+};
+
+// Never destroyed: connections are closed when the application object goes
+// (post routine), before Qt's own SQL statics; a static destructor running
+// after those would close them into freed state.
+EngineRegistry& registry()
+{
+    static EngineRegistry* r = [] {
+        qAddPostRoutine(SqlEngine::closeAll);
+        return new EngineRegistry;
+    }();
+    return *r;
+}
+
+} // namespace
+
+ConnectionTarget MapConnectString(const QString& connectString)
+{
+    const auto pairs = SplitPropsText(connectString);
+    ConnectionTarget target;
+
+    const QString provider = valueOf(pairs, {"Provider"}).trimmed();
+    if (provider.compare(QLatin1String("SQLite"), Qt::CaseInsensitive) == 0) {
+        target.kind = ConnectionTarget::Sqlite;
+        target.sqliteFile = valueOf(pairs, {"Data Source", "DataSource", "Database"}).trimmed();
+        if (target.sqliteFile.isEmpty())
+            throw HostError(HostErrors::Database, QStringLiteral("The connect string names no database file (Data Source)."));
+        return target;
+    }
+
+    target.kind = ConnectionTarget::Odbc;
+    if (hasKey(pairs, {"Driver", "DSN", "FileDSN"})) {
+        // already an ODBC string: handed on as it is, less the OLE DB provider
+        for (const auto& pair : pairs) {
+            if (pair.first.compare(QLatin1String("Provider"), Qt::CaseInsensitive) != 0)
+                appendAttribute(target.odbcConnectString, pair.first, pair.second);
+        }
+        return target;
+    }
+
+    // An OLE DB string for SQL Server: the same server through FreeTDS.
+    QString server = valueOf(pairs, {"Data Source", "Server", "Address", "Addr", "Network Address"}).trimmed();
+    if (server.isEmpty())
+        throw HostError(HostErrors::Database, QStringLiteral("The connect string names no server (Data Source)."));
+    if (server.startsWith(QLatin1String("tcp:"), Qt::CaseInsensitive))
+        server = server.mid(4);
+    QString port;
+    const int comma = server.indexOf(QLatin1Char(','));
+    if (comma >= 0) {
+        port = server.mid(comma + 1).trimmed();
+        server = server.left(comma).trimmed();
+    }
+    if (server == QLatin1String(".") || server.compare(QLatin1String("(local)"), Qt::CaseInsensitive) == 0)
+        server = QStringLiteral("localhost");
+
+    QString& out = target.odbcConnectString;
+    appendAttribute(out, QStringLiteral("Driver"), QStringLiteral("FreeTDS"));
+    appendAttribute(out, QStringLiteral("Server"), server);
+    if (!port.isEmpty())
+        appendAttribute(out, QStringLiteral("Port"), port);
+    const QString database = valueOf(pairs, {"Initial Catalog", "Database"});
+    if (!database.isEmpty())
+        appendAttribute(out, QStringLiteral("Database"), database);
+    if (isTrue(valueOf(pairs, {"Integrated Security", "Trusted_Connection"}))) {
+        appendAttribute(out, QStringLiteral("Trusted_Connection"), QStringLiteral("Yes"));
+    } else {
+        const QString user = valueOf(pairs, {"User ID", "UserID", "UID", "User"});
+        if (!user.isNull())
+            appendAttribute(out, QStringLiteral("UID"), user);
+        const QString password = valueOf(pairs, {"Password", "PWD"});
+        if (!password.isNull())
+            appendAttribute(out, QStringLiteral("PWD"), password);
+    }
+    const QString app = valueOf(pairs, {"Application Name", "App"});
+    if (!app.isEmpty())
+        appendAttribute(out, QStringLiteral("APP"), app);
+    // the ERP's texts are Chinese: have the driver hand them over as UTF-8
+    appendAttribute(out, QStringLiteral("ClientCharset"), QStringLiteral("UTF-8"));
+    bool ok = false;
+    const int timeout = valueOf(pairs, {"Connect Timeout", "Connection Timeout"}).trimmed().toInt(&ok);
+    if (ok && timeout > 0)
+        target.loginTimeoutSeconds = timeout;
+    return target;
+}
+
+QString MaskPasswords(const QString& text)
+{
+    // key, '=', then a braced value ("}}" inside it) or a plain value up to ';' or '}'
+    static const QRegularExpression password(
+        QStringLiteral("(\\b(?:password|pwd)\\s*=\\s*)(\\{(?:[^}]|\\}\\})*\\}|[^;}]*)"),
+        QRegularExpression::CaseInsensitiveOption);
+    QString masked = text;
+    masked.replace(password, QStringLiteral("\\1***"));
+    return masked;
+}
+
+QString ConnectStringFromProps(const QString& props)
+{
+    for (const auto& pair : SplitPropsText(props)) {
+        if (pair.first.compare(QLatin1String("ConnectString"), Qt::CaseInsensitive) == 0 && !pair.second.trimmed().isEmpty())
+            return pair.second;
+    }
+    throw HostError(HostErrors::Database,
+                    QStringLiteral("The host property string holds no ConnectString: no database to work with."));
+}
+
+std::shared_ptr<SqlEngine> SqlEngine::forConnectString(const QString& connectString)
+{
+    EngineRegistry& r = registry();
+    {
+        QMutexLocker lock(&r.mutex);
+        if (auto engine = r.engines.value(connectString))
+            return engine;
+    }
+    const ConnectionTarget target = MapConnectString(connectString);
+    std::shared_ptr<SqlEngine> engine;
+    if (target.kind == ConnectionTarget::Sqlite)
+        engine = std::make_shared<SqliteEngine>(target.sqliteFile);
+    else
+        engine = std::make_shared<OdbcEngine>(target);
+    QMutexLocker lock(&r.mutex);
+    auto& slot = r.engines[connectString];
+    if (!slot)
+        slot = engine;
+    return slot;
+}
+
+std::shared_ptr<SqlEngine> SqlEngine::forProps(const QString& props)
+{
+    return forConnectString(ConnectStringFromProps(props));
+}
+
+void SqlEngine::closeAll()
+{
+    QHash<QString, std::shared_ptr<SqlEngine>> engines;
+    {
+        EngineRegistry& r = registry();
+        QMutexLocker lock(&r.mutex);
+        engines.swap(r.engines);
+    }
+    for (const auto& engine : engines)
+        engine->close();
+}
