@@ -1,0 +1,160 @@
+// End to end over the demo warehouse: the built-in middle tier, the SQLite
+// engine behind it, real gzip attachments and picture files on disk.
+#include "middle_tier_fakes.h"
+#include "host/demo_database.h"
+#include "host/sql_engine.h"
+#include "orderdata/serial_lookup.h"
+#include <QElapsedTimer>
+#include <QImage>
+#include <QTemporaryDir>
+
+namespace {
+
+class DemoOrders : public HostFixture {
+protected:
+    static void SetUpTestSuite()
+    {
+        s_dir = new QTemporaryDir;
+        s_db = s_dir->filePath("demo.db");
+        CreateDemoDatabase(s_db, 400);
+    }
+    static void TearDownTestSuite()
+    {
+        SqlEngine::closeAll();
+        delete s_dir;
+        s_dir = nullptr;
+    }
+    void SetUp() override
+    {
+        HostFixture::SetUp();
+        ASSERT_TRUE(folder.isValid());
+        SetComponentFolder(folder.path());
+        publishProps(DemoPropsString(s_db));
+        boxes = recordMessageBoxes();
+    }
+
+    static QStringList goodsIds(const RecordList& lines)
+    {
+        QStringList ids;
+        for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i)
+            ids << lines.Item(i).GetValue("GoodsID").toString();
+        return ids;
+    }
+
+    static inline QTemporaryDir* s_dir = nullptr;
+    static inline QString s_db;
+    QTemporaryDir folder;
+    std::shared_ptr<ShownBoxes> boxes;
+};
+
+} // namespace
+
+TEST_F(DemoOrders, OrdersLoadByCodeWithTheirPicturesOnDisk)
+{
+    const RecordList lines = LoadOrderGoods(QStringLiteral("10001"));
+    ASSERT_TRUE(boxes->texts.isEmpty()) << boxes->texts.join('\n').toStdString();
+    EXPECT_EQ(goodsIds(lines), QStringList({"1001", "1008", "1014"}));
+    EXPECT_EQ(GetWebshopName().toString(), "天猫旗舰店");
+    const GoodsRecord earphones = lines.Item(0);
+    EXPECT_EQ(earphones.GetValue("GoodsName").toString(), "蓝牙耳机");
+    EXPECT_EQ(earphones.GetValue("FModel").toString(), "BT-520 黑色");
+    EXPECT_EQ(earphones.GetValue("GoodsBarCode").toString().size(), 13);
+    EXPECT_EQ(lines.Item(2).GetValue("GoodsOrderCnt").toInt(), 2);
+    for (int i = 0; i <= lines.UpperBound(); ++i) {
+        const QString picture = lines.Item(i).GetValue("GoodsPicture").toString();
+        const QImage image(picture);
+        EXPECT_FALSE(image.isNull()) << picture.toStdString();
+        EXPECT_EQ(image.size(), QSize(160, 160));
+    }
+    // Only the pictures are left in the folder, no compressed files.
+    EXPECT_EQ(QDir(PictureTempFolder()).entryList(QDir::Files, QDir::Name),
+              QStringList({"Tmp_1001", "Tmp_1008", "Tmp_1014"}));
+
+    // By logistics number; a second load empties the same set.
+    const RecordList again = LoadOrderGoods(QStringLiteral("SF10003"));
+    EXPECT_TRUE(again.sameList(lines));
+    EXPECT_EQ(goodsIds(lines), QStringList({"1003"}));
+    EXPECT_TRUE(QFile::exists(PictureTempFolder() + "Tmp_1001"));   // not emptied for the second order
+    EXPECT_EQ(goodsIds(LoadOrderGoods(QStringLiteral("773000000002"))), QStringList({"1005", "1016"}));
+    EXPECT_TRUE(boxes->texts.isEmpty());
+}
+
+TEST_F(DemoOrders, StatusFilterCodeKindsAndMissingItems)
+{
+    EXPECT_EQ(LoadOrderGoods(QStringLiteral("10007")).Count(), 0);          // status 3
+    EXPECT_EQ(LoadOrderGoods(QStringLiteral("TB10027")).Count(), 0);        // letters: never a unique code
+    EXPECT_EQ(goodsIds(LoadOrderGoods(QStringLiteral("YT10027"))), QStringList({"1016"}));
+    // The glass is a price-change product of the first shop only.
+    EXPECT_EQ(goodsIds(LoadOrderGoods(QStringLiteral("10008"))), QStringList({"1024", "1025"}));
+    EXPECT_EQ(goodsIds(LoadOrderGoods(QStringLiteral("10030"))), QStringList({"1010", "1005"}));
+
+    const RecordList lines = LoadOrderGoods(QStringLiteral("10010"));
+    ASSERT_EQ(goodsIds(lines), QStringList({"1099", "1017"}));
+    const GoodsRecord unknown = lines.Item(0);
+    for (const char* key : {"GoodsName", "FModel", "GoodsBarCode"}) {
+        EXPECT_FALSE(unknown.GetValue(key).isNull()) << key;      // the empty text, not NULL
+        EXPECT_EQ(unknown.GetValue(key).toString(), "") << key;
+    }
+    EXPECT_EQ(unknown.GetValue("FSerialClassID").toInt(), 0);
+    EXPECT_EQ(unknown.GetValue("FPicID").toInt(), 0);
+    EXPECT_FALSE(QFile::exists(unknown.GetValue("GoodsPicture").toString()));
+    EXPECT_EQ(GetWebshopName().toString(), "");               // shop 99 is not mapped
+
+    EXPECT_EQ(FindGoodsLineIndex(1017, lines.Item(1).GetValue("FEntryID").toString()), 1);
+    EXPECT_TRUE(boxes->texts.isEmpty()) << boxes->texts.join('\n').toStdString();
+
+    // A quote in the code breaks the statement: reported, nothing loaded.
+    EXPECT_EQ(LoadOrderGoods(QStringLiteral("SF'1")).Count(), 0);
+    EXPECT_EQ(boxes->texts.size(), 1);
+}
+
+TEST_F(DemoOrders, BarcodesAndSerialsAreFoundWhereTheyStand)
+{
+    LoadOrderGoods(QStringLiteral("10001"));
+    const QString barCode = GetGoodsLineSet().Item(0).GetValue("GoodsBarCode").toString();
+    const GoodsRecord goods = FindWebOrderGoodsByBarCode(barCode);
+    EXPECT_EQ(goods.GetValue("FItemID").toInt(), 1001);
+    EXPECT_EQ(goods.GetValue("FSerialClassID").toInt(), 0);
+    EXPECT_EQ(FindWebOrderGoodsByBarCode(QStringLiteral("0000000000000")).Count(), 0);
+
+    const GoodsRecord milk = FindSerialNumber(QStringLiteral("MF-0001"));
+    EXPECT_EQ(milk.GetValue("FItemID").toInt(), 1033);
+    EXPECT_EQ(milk.GetValue("FBatchNo").toString(), "M2403");
+    EXPECT_EQ(milk.GetValue("FStockPlace").toInt(), 3);
+    EXPECT_EQ(milk.GetValue("FKFPeriod").toString(), "720");
+    EXPECT_EQ(milk.GetValue("FKFDate").toString().left(10), "2024-03-01");
+
+    const GoodsRecord mouse = FindSerialNumber(QStringLiteral("MS-0001"));
+    EXPECT_EQ(mouse.GetValue("FKFPeriod").typeId(), QMetaType::Short);
+    EXPECT_EQ(mouse.GetValue("FKFPeriod").toInt(), 0);
+
+    EXPECT_EQ(FindSerialNumber(QStringLiteral("SPK-0001")).Count(), 0);     // serial class 2
+    EXPECT_EQ(FindSerialNumber(QStringLiteral("NO-SUCH")).Count(), 0);
+    EXPECT_THROW(FindSerialNumber(QStringLiteral("MF'1")), HostError);
+}
+
+TEST_F(DemoOrders, AnOrderOfHundredsOfLinesLoadsQuickly)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const RecordList lines = LoadOrderGoods(QStringLiteral("BENCH400"));
+    const qint64 withPictures = timer.elapsed();
+    ASSERT_EQ(lines.Count(), 400);
+    EXPECT_TRUE(boxes->texts.isEmpty()) << boxes->texts.join('\n').toStdString();
+    EXPECT_FALSE(QImage(lines.Item(399).GetValue("GoodsPicture").toString()).isNull());
+
+    timer.restart();
+    const int last = FindGoodsLineIndex(lines.Item(399).GetValue("GoodsID").toInt(),
+                                        lines.Item(399).GetValue("FEntryID").toString());
+    const qint64 indexMicros = timer.nsecsElapsed() / 1000;
+    EXPECT_EQ(last, 399);
+    timer.restart();
+    const GoodsRecord goods = FindWebOrderGoodsByBarCode(lines.Item(399).GetValue("GoodsBarCode").toString());
+    const qint64 barcodeMs = timer.elapsed();
+    EXPECT_EQ(goods.GetValue("FItemID").toString(), lines.Item(399).GetValue("GoodsID").toString());
+    std::printf("load 400 lines with pictures: %lld ms, line index: %lld us, barcode lookup: %lld ms\n",
+                (long long)withPictures, (long long)indexMicros, (long long)barcodeMs);
+    // Generous bounds: a shared, sanitized build must still pass.
+    EXPECT_LT(indexMicros, 50000);
+    EXPECT_LT(barcodeMs, 1000);
+}
