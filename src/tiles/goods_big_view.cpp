@@ -1,0 +1,262 @@
+#include "tiles/goods_big_view.h"
+#include "host/error_reporter.h"
+#include "host/host_error.h"
+#include "host/platform.h"
+#include "tiles/goods_list_model.h"
+#include "tiles/tile_parts.h"
+#include "tiles/tile_pictures.h"
+#include <QDesktopServices>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QResizeEvent>
+#include <QUrl>
+#include <exception>
+
+namespace {
+
+constexpr int Gap = 60;
+constexpr int PictureGap = 120;
+constexpr int CaptionHeight = 330;
+constexpr int CountHeight = 640;
+
+QFont sizedFont(const QFont& base, int heightTwips, bool bold)
+{
+    QFont f(base);
+    f.setPixelSize(qMax(6, TwipsToPixels(heightTwips)));
+    f.setBold(bold);
+    return f;
+}
+
+QRect toPixels(const QRect& twips)
+{
+    const int left = TwipsToPixels(twips.x());
+    const int top = TwipsToPixels(twips.y());
+    return QRect(left, top, TwipsToPixels(twips.x() + twips.width()) - left,
+                 TwipsToPixels(twips.y() + twips.height()) - top);
+}
+
+void setTextColour(QLabel* label, const QColor& colour)
+{
+    QPalette pal = label->palette();
+    if (pal.color(QPalette::WindowText) == colour)
+        return;
+    pal.setColor(QPalette::WindowText, colour);
+    label->setPalette(pal);
+}
+
+// A click reaches the container's handlers from the event loop: whatever
+// they raise ends here, in a message box.
+template <class F>
+void emitGuarded(F&& emitIt)
+{
+    try {
+        emitIt();
+    } catch (const HostError& e) {
+        ReportError(e.number(), e.description());
+    } catch (const std::exception& e) {
+        ReportError(0, QString::fromLocal8Bit(e.what()));
+    } catch (...) {
+        ReportError(0, QStringLiteral("Unknown error"));
+    }
+}
+
+} // namespace
+
+GoodsBigView::GoodsBigView(QWidget* parent) : QWidget(parent)
+{
+    PicBack = new QWidget(this);
+    PicBack->setObjectName(QStringLiteral("PicBack"));
+    PicBack->setAutoFillBackground(true);
+    QPalette back = PicBack->palette();
+    back.setColor(QPalette::Window, QColor(0xf4, 0xf5, 0xf7));
+    PicBack->setPalette(back);
+    imgMain = new TilePicture(this);
+    imgMain->setObjectName(QStringLiteral("imgMain"));
+    lblCheckedCnt = new QLabel(QStringLiteral("0"), this);
+    lblCheckedCnt->setObjectName(QStringLiteral("lblCheckedCnt"));
+    lblOrderCnt = new QLabel(QStringLiteral("0"), this);
+    lblOrderCnt->setObjectName(QStringLiteral("lblOrderCnt"));
+    lblGoodsName = new TileNameLabel(2, this);
+    lblGoodsName->setObjectName(QStringLiteral("lblGoodsName"));
+    lblOrderCaption = new QLabel(QStringLiteral("订购"), this);
+    lblOrderCaption->setObjectName(QStringLiteral("lblOrderCaption"));
+    lblCheckedCaption = new QLabel(QStringLiteral("已拣"), this);
+    lblCheckedCaption->setObjectName(QStringLiteral("lblCheckedCaption"));
+
+    const QFont base = font();
+    for (QLabel* l : {lblOrderCnt, lblCheckedCnt}) {
+        l->setFont(sizedFont(base, 540, true));
+        l->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    }
+    for (QLabel* l : {lblOrderCaption, lblCheckedCaption}) {
+        l->setFont(sizedFont(base, 240, false));
+        l->setAlignment(Qt::AlignLeft | Qt::AlignBottom);
+        setTextColour(l, TileColours::Caption);
+    }
+    lblGoodsName->setFont(sizedFont(base, 255, true));
+    lblGoodsName->setCursor(Qt::PointingHandCursor);
+    imgMain->setCursor(Qt::PointingHandCursor);
+    imgMain->installEventFilter(this);
+    lblGoodsName->installEventFilter(this);
+    updateCheckedColour();
+
+    setMinimumWidth(TwipsToPixels(MinimumWidth));
+    resize(TwipsToPixels(MinimumWidth), TwipsToPixels(DesignPicture + PictureGap + NameHeight + Gap / 2));
+    layoutChildren();
+    imgMain->showDesignPicture();
+}
+
+GoodsBigView::~GoodsBigView() = default;
+
+QString GoodsBigView::GoodsName() const { return lblGoodsName->text(); }
+
+void GoodsBigView::setGoodsName(const QString& name)
+{
+    if (lblGoodsName->text() != name)
+        lblGoodsName->setText(name);
+}
+
+void GoodsBigView::setGoodsCheckedCnt(qint32 count)
+{
+    m_checkedCnt = count;
+    lblCheckedCnt->setText(QString::number(count));
+    updateCheckedColour();
+}
+
+void GoodsBigView::setGoodsOrderCnt(qint32 count)
+{
+    m_orderCnt = count;
+    lblOrderCnt->setText(QString::number(count));
+    updateCheckedColour();
+}
+
+void GoodsBigView::updateCheckedColour()
+{
+    QColor colour = TileColours::Count;
+    if (m_checkedCnt > m_orderCnt)
+        colour = TileColours::Excess;
+    else if (m_checkedCnt == m_orderCnt && m_orderCnt > 0)
+        colour = TileColours::Complete;
+    setTextColour(lblCheckedCnt, colour);
+    setTextColour(lblOrderCnt, TileColours::Count);
+}
+
+void GoodsBigView::setGoodsPicture(const QString& path)
+{
+    try {
+        const TilePictures::Resolved r = TilePictures::resolve(path, imgMain->size());
+        if (r.changed)
+            imgMain->showFile(r.path, r.pixmap);
+    } catch (...) {
+        // A picture never fails its caller.
+    }
+}
+
+void GoodsBigView::SetPicture(const QPixmap& picture)
+{
+    imgMain->showPixmap(picture);
+}
+
+QPixmap GoodsBigView::shownPicture() const { return imgMain->shown(); }
+
+void GoodsBigView::SetSelected(bool bSelected)
+{
+    m_selected = bSelected;
+    layoutChildren();
+}
+
+void GoodsBigView::showGoodsLine(const GoodsRecord& line)
+{
+    if (line.isNone())
+        return;
+    try {
+        if (line.Exists(QStringLiteral("GoodsID")))
+            setGoodsID(line.GetValue(QStringLiteral("GoodsID")).toString());
+        if (line.Exists(QStringLiteral("GoodsName")))
+            setGoodsName(line.GetValue(QStringLiteral("GoodsName")).toString());
+        if (line.Exists(QStringLiteral("GoodsURL")))
+            setGoodsURL(line.GetValue(QStringLiteral("GoodsURL")).toString());
+        if (line.Exists(QStringLiteral("GoodsOrderCnt")))
+            setGoodsOrderCnt(GoodsListModel::toInt32(line.GetValue(QStringLiteral("GoodsOrderCnt"))));
+        if (line.Exists(QStringLiteral("GoodsCheckedCnt")))
+            setGoodsCheckedCnt(GoodsListModel::toInt32(line.GetValue(QStringLiteral("GoodsCheckedCnt"))));
+        if (line.Exists(QStringLiteral("GoodsPicture"))) {
+            // Another goods' picture must not stay on screen for this one.
+            imgMain->showDesignPicture();
+            setGoodsPicture(line.GetValue(QStringLiteral("GoodsPicture")).toString());
+        }
+    } catch (...) {
+        // A malformed line shows what could be read.
+    }
+}
+
+GoodsBigView::Layout GoodsBigView::layoutFor(int widthPixels, int heightPixels) const
+{
+    const int w = qMax(PixelsToTwips(widthPixels), 0);
+    const int h = qMax(PixelsToTwips(heightPixels), 0);
+    Layout l;
+    l.back = QRect(0, 0, w, h);
+    l.name = QRect(Gap / 2, h - NameHeight - Gap / 2, qMax(0, w - Gap), NameHeight);
+    // The picture takes the height left above the name, less the 120 gap, as
+    // a square; the counts stand to its right.
+    const int side = qMax(0, qMin(w - CountsWidth - Gap, h - NameHeight - Gap / 2 - PictureGap));
+    const int inner = qMax(0, side - 2 * SelectInset);
+    l.picture = m_selected ? QRect(SelectInset, SelectInset, inner, inner) : QRect(0, 0, side, side);
+    const int countsLeft = side + Gap * 2;
+    l.counts = QRect(countsLeft, Gap, qMax(0, w - countsLeft - Gap), qMax(0, l.name.top() - Gap));
+    return l;
+}
+
+void GoodsBigView::layoutChildren()
+{
+    const Layout l = layoutFor(width(), height());
+    PicBack->setGeometry(toPixels(l.back));
+    imgMain->setGeometry(toPixels(l.picture));
+    lblGoodsName->setGeometry(toPixels(l.name));
+    int y = l.counts.top();
+    const int x = l.counts.left();
+    const int cw = l.counts.width();
+    lblOrderCaption->setGeometry(toPixels(QRect(x, y, cw, CaptionHeight)));
+    y += CaptionHeight;
+    lblOrderCnt->setGeometry(toPixels(QRect(x, y, cw, CountHeight)));
+    y += CountHeight + Gap * 2;
+    lblCheckedCaption->setGeometry(toPixels(QRect(x, y, cw, CaptionHeight)));
+    y += CaptionHeight;
+    lblCheckedCnt->setGeometry(toPixels(QRect(x, y, cw, CountHeight)));
+}
+
+void GoodsBigView::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    // Each step goes on whatever the one before did.
+    try {
+        if (PixelsToTwips(width()) < MinimumWidth)
+            resize(TwipsToPixels(MinimumWidth), height());
+    } catch (...) {
+    }
+    try {
+        layoutChildren();
+    } catch (...) {
+    }
+}
+
+bool GoodsBigView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::MouseButtonRelease
+        || static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton)
+        return QWidget::eventFilter(watched, event);
+    if (watched == imgMain) {
+        emitGuarded([this] { emit GoodsImageClick(m_goodsId); });
+        return true;
+    }
+    if (watched == lblGoodsName) {
+        try {
+            if (!m_goodsUrl.isEmpty())
+                QDesktopServices::openUrl(QUrl::fromUserInput(m_goodsUrl));
+        } catch (...) {
+        }
+        emitGuarded([this] { emit GoodsNameClick(m_goodsId); });
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}

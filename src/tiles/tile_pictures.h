@@ -1,0 +1,34 @@
+#pragma once
+// Goods pictures for the tiles: decoded once at the size they are shown and
+// kept in a cache, so painting and scrolling never decode or rescale.
+#include <QPixmap>
+#include <QSize>
+#include <QString>
+
+namespace TilePictures {
+
+// The default picture, "\images\default.jpg" under the component's folder.
+QString defaultPath();
+
+// The picture in `path` fitted into `size` device-independent pixels (aspect
+// ratio kept), from the cache when the file has not changed since. A null
+// pixmap when the file can't be read or is no picture.
+QPixmap load(const QString& path, const QSize& size);
+
+// The outcome of writing a picture path to a tile.
+struct Resolved {
+    bool changed = false;   // false: the tile keeps its picture and its path
+    QString path;           // the path now loaded (the default one after a fallback)
+    QPixmap pixmap;
+};
+// Empty path or no file at the path: nothing changes. A file that can't be
+// loaded gives the default picture; when that is missing too, nothing changes.
+Resolved resolve(const QString& path, const QSize& size);
+
+// True when a file (not a folder) is at the path.
+bool fileExists(const QString& path);
+
+// Forgets every cached picture.
+void clearCache();
+
+} // namespace TilePictures

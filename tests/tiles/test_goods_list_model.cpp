@@ -1,0 +1,301 @@
+// The goods list's rules without widgets: counts and marks, the keyed tables,
+// the look-ups, the arrangement of the tiles and the statements.
+#include "host/host_error.h"
+#include "tiles/goods_list_model.h"
+#include "tiles/goods_view.h"
+#include "tiles_fixture.h"
+#include <limits>
+
+using TilesTest::goodsLine;
+
+namespace {
+
+GoodsListModel modelWith(const std::vector<int>& ordered)
+{
+    GoodsListModel model;
+    for (size_t i = 0; i < ordered.size(); ++i)
+        model.addGoods(goodsLine(int(100 + i), int(i + 1), QStringLiteral("商品%1").arg(i), ordered[i]));
+    model.setRowCountFromLines();
+    return model;
+}
+
+long errorNumber(const std::function<void()>& f)
+{
+    try {
+        f();
+    } catch (const HostError& e) {
+        return e.number();
+    }
+    return 0;
+}
+
+} // namespace
+
+TEST(GoodsListModelCounts, ShortCompleteExcessAndClear)
+{
+    GoodsRecord line = goodsLine(7, 1, QStringLiteral("水杯"), 3);
+    GoodsListModel model;
+    model.addGoods(line);
+
+    // Ordered 3, nothing checked: nothing picked, nothing in excess, no marks.
+    EXPECT_EQ(model.GetPickedCnt(0), 0);
+    EXPECT_EQ(model.GetExcessCnt(0), 0);
+    EXPECT_EQ(model.IsPicked(0), 0);
+    EXPECT_FALSE(model.tile(0).okShow);
+    EXPECT_FALSE(model.tile(0).warningShow);
+
+    for (int i = 0; i < 3; ++i)
+        model.PickingGoods(0);
+    EXPECT_EQ(model.IsPicked(0), 1);
+    EXPECT_TRUE(model.tile(0).okShow);
+    EXPECT_FALSE(model.tile(0).warningShow);
+    // The record is the caller's own line: the count reached it.
+    EXPECT_EQ(line.GetValue("GoodsCheckedCnt").toInt(), 3);
+    EXPECT_TRUE(line.GetValue("OkShow").toBool());
+
+    model.PickingGoods(0);
+    EXPECT_EQ(model.IsPicked(0), 2);
+    EXPECT_FALSE(model.tile(0).okShow);
+    EXPECT_TRUE(model.tile(0).warningShow);
+    EXPECT_EQ(model.GetPickedCnt(0), 3);
+    EXPECT_EQ(model.GetExcessCnt(0), 1);
+    EXPECT_TRUE(line.GetValue("WarningShow").toBool());
+
+    // Clearing leaves the alter mark until somebody evaluates the line again.
+    model.ClearCheckedCnt(0);
+    EXPECT_EQ(model.tile(0).checkedCnt, 0);
+    EXPECT_EQ(line.GetValue("GoodsCheckedCnt").toInt(), 0);
+    EXPECT_TRUE(model.tile(0).warningShow);
+    EXPECT_EQ(model.IsPicked(0), 0);
+    EXPECT_TRUE(model.tile(0).warningShow);
+
+    // Complete again: OK shown, the old alter mark is left as it was.
+    for (int i = 0; i < 3; ++i)
+        model.PickingGoods(0);
+    EXPECT_EQ(model.IsPicked(0), 1);
+    EXPECT_TRUE(model.tile(0).okShow);
+    EXPECT_TRUE(model.tile(0).warningShow);
+}
+
+TEST(GoodsListModelCounts, IndexesOutOfRange)
+{
+    GoodsListModel model = modelWith({2, 2});
+    model.PickingGoods(1);
+
+    // One past the last line: nothing happens, queries give 0.
+    model.PickingGoods(2);
+    model.ClearCheckedCnt(2);
+    EXPECT_EQ(model.GetExcessCnt(2), 0);
+    EXPECT_EQ(model.GetPickedCnt(99), 0);
+    EXPECT_EQ(model.tile(0).checkedCnt, 0);
+    EXPECT_EQ(model.tile(1).checkedCnt, 1);
+
+    // IsPicked has no bounds test of its own, and no line has a negative index.
+    EXPECT_EQ(errorNumber([&] { model.IsPicked(2); }), 340);
+    EXPECT_EQ(errorNumber([&] { model.PickingGoods(-1); }), 340);
+    EXPECT_EQ(errorNumber([&] { model.GetPickedCnt(-1); }), 340);
+
+    // A count at the top of the 32-bit range does not wrap round.
+    model.setCheckedCnt(0, std::numeric_limits<qint32>::max());
+    EXPECT_EQ(errorNumber([&] { model.PickingGoods(0); }), HostErrors::Overflow);
+    EXPECT_EQ(model.tile(0).checkedCnt, std::numeric_limits<qint32>::max());
+}
+
+TEST(GoodsListModelCounts, KeyedTablesRoundTripAndGap)
+{
+    GoodsListModel model = modelWith({1, 2, 3, 4});
+    model.setCheckedCnt(0, 1);
+    model.setCheckedCnt(1, 5);
+    model.setCheckedCnt(3, 2);
+
+    GoodsRecord saved;
+    model.GetCheckCnt(saved);
+    EXPECT_EQ(saved.Keys(), QStringList({"0", "1", "2", "3"}));
+    for (int i = 0; i < 4; ++i)
+        model.setCheckedCnt(i, 9);
+    model.SetCheckCnt(saved);
+    EXPECT_EQ(model.tile(0).checkedCnt, 1);
+    EXPECT_EQ(model.tile(1).checkedCnt, 5);
+    EXPECT_EQ(model.tile(2).checkedCnt, 0);
+    EXPECT_EQ(model.tile(3).checkedCnt, 2);
+    EXPECT_EQ(model.record(1).GetValue("GoodsCheckedCnt").toInt(), 5);
+    // The marks are the caller's business after SetCheckCnt.
+    EXPECT_FALSE(model.tile(0).okShow);
+
+    // A gap ends the restore: "3" is never reached.
+    GoodsRecord gap;
+    gap.Add("0", 4);
+    gap.Add("1", 4);
+    gap.Add("3", 4);
+    model.SetCheckCnt(gap);
+    EXPECT_EQ(model.tile(0).checkedCnt, 4);
+    EXPECT_EQ(model.tile(1).checkedCnt, 4);
+    EXPECT_EQ(model.tile(2).checkedCnt, 0);
+    EXPECT_EQ(model.tile(3).checkedCnt, 2);
+
+    // The host's keyed table refuses a key twice; a value that is no number is a type mismatch.
+    GoodsRecord taken;
+    taken.Add("2", 1);
+    EXPECT_EQ(errorNumber([&] { model.GetCheckCnt(taken); }), HostErrors::DuplicateKey);
+    GoodsRecord bad;
+    bad.Add("0", QStringLiteral("abc"));
+    EXPECT_EQ(errorNumber([&] { model.SetCheckCnt(bad); }), HostErrors::TypeMismatch);
+}
+
+TEST(GoodsListModelCounts, NewTableRestoresMarksAndReadsGridTables)
+{
+    GoodsListModel model = modelWith({2, 2, 2});
+    GoodsRecord saved;
+    model.setCheckedCnt(0, 2);
+    model.setCheckedCnt(1, 3);
+    model.GetCheckCntNew(saved);
+    for (int i = 0; i < 3; ++i)
+        model.setCheckedCnt(i, 0);
+
+    model.SetCheckCntNew(saved);
+    EXPECT_EQ(model.tile(0).checkedCnt, 2);
+    EXPECT_TRUE(model.tile(0).okShow);
+    EXPECT_FALSE(model.tile(0).warningShow);
+    EXPECT_EQ(model.tile(1).checkedCnt, 3);
+    EXPECT_FALSE(model.tile(1).okShow);
+    EXPECT_TRUE(model.tile(1).warningShow);
+    EXPECT_FALSE(model.tile(2).okShow);
+
+    // A table written by the grid starts at "1": line 0 keeps its count.
+    GoodsRecord grid;
+    grid.Add("1", 1);
+    grid.Add("2", 2);
+    model.SetCheckCntNew(grid);
+    EXPECT_EQ(model.tile(0).checkedCnt, 2);
+    EXPECT_EQ(model.tile(1).checkedCnt, 1);
+    EXPECT_FALSE(model.tile(1).warningShow);
+    EXPECT_EQ(model.tile(2).checkedCnt, 2);
+    EXPECT_TRUE(model.tile(2).okShow);
+}
+
+TEST(GoodsListModelLookups, GoodsIndexRules)
+{
+    GoodsListModel model;
+    model.addGoods(goodsLine(25, 7, "a", 1));
+    model.addGoods(goodsLine(QStringLiteral("31"), 8, "b", 1));
+    model.addGoods(goodsLine(25, 9, "c", 1));
+
+    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("   ")), -2);
+    EXPECT_EQ(model.GetGoodsIndex(QString()), -2);
+    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("25")), 0);   // two lines share it: the lower
+    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("31")), 1);
+    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral(" 31")), -1); // compared as given
+    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("99")), -1);
+    EXPECT_TRUE(model.GoodsIDExists(QStringLiteral("31")));
+    EXPECT_FALSE(model.GoodsIDExists(QStringLiteral("3")));
+
+    EXPECT_EQ(model.GetGoodsIndexNew(QStringLiteral("25"), 9), 2);
+    EXPECT_EQ(model.GetGoodsIndexNew(QStringLiteral("25"), 8), -1);
+    EXPECT_EQ(model.GetGoodsIndexNew(QStringLiteral(" "), 9), -2);
+    EXPECT_EQ(model.findLine(31, 8), 1);
+    EXPECT_EQ(model.findLine(25, 9), 2);
+    EXPECT_EQ(model.findLine(25, 1), -1);
+}
+
+TEST(GoodsListModelLayout, SevenLinesInThreeColumns)
+{
+    GoodsListModel model = modelWith({1, 1, 1, 1, 1, 1, 1});
+    EXPECT_EQ(model.rowCount(), 3);
+    model.arrange(4);
+    const int columnPitch = GoodsView::TileWidth + 120;
+    const int rowPitch = GoodsView::TileHeight + 120;
+    // Line 4: row 1, column 1.
+    EXPECT_EQ(model.tile(4).left, columnPitch);
+    EXPECT_EQ(model.tile(4).top, rowPitch);
+    EXPECT_EQ(model.tile(6).left, 0);
+    EXPECT_EQ(model.tile(6).top, 2 * rowPitch);
+    EXPECT_EQ(model.selectedIndex(), 4);
+    for (int i = 0; i < 7; ++i)
+        EXPECT_EQ(model.tile(i).selected, i == 4) << i;
+
+    // One step down is allowed while the top row is below the row count - 2.
+    ASSERT_TRUE(model.canScrollDown());
+    EXPECT_FALSE(model.canScrollUp());
+    model.setTopRow(model.topRow() + 1);
+    model.arrange(-1);
+    EXPECT_EQ(model.tile(4).top, 0);
+    EXPECT_EQ(model.tile(1).top, -rowPitch);   // above the top row: out of view
+    EXPECT_FALSE(model.canScrollDown());
+    EXPECT_TRUE(model.canScrollUp());
+
+    // A negative index selects by the selected goods ID, its first line.
+    model.setSelectedGoodsID(QStringLiteral("102"));
+    model.arrange(-1);
+    EXPECT_EQ(model.selectedIndex(), 2);
+    // A click moves the selection only.
+    model.selectOnly(5);
+    EXPECT_EQ(model.selectedIndex(), 5);
+    EXPECT_EQ(model.tile(5).top, 0);
+}
+
+TEST(GoodsListModelLayout, RowCountsAndBringingIntoView)
+{
+    EXPECT_EQ(modelWith({}).rowCount(), 1);
+    EXPECT_EQ(modelWith({1, 1, 1}).rowCount(), 1);
+    EXPECT_EQ(modelWith({1, 1, 1, 1}).rowCount(), 2);
+    GoodsListModel model = modelWith(std::vector<int>(20, 1));
+    EXPECT_EQ(model.rowCount(), 7);
+
+    model.setTopRow(2);
+    EXPECT_EQ(model.topRowShowing(3, 2), 2);  // already in view
+    EXPECT_EQ(model.topRowShowing(5, 2), 4);  // below: last row of the view
+    EXPECT_EQ(model.topRowShowing(0, 2), 0);  // above: first row of the view
+    EXPECT_EQ(model.topRowShowing(6, 0), 6);  // at least one row is in view
+
+    // Removing a line moves the later ones up one index.
+    model.removeGoods(0);
+    EXPECT_EQ(model.count(), 19);
+    EXPECT_EQ(model.tile(0).goodsId, QStringLiteral("101"));
+    model.removeGoods(19);
+    EXPECT_EQ(model.count(), 19);
+}
+
+TEST(GoodsListModelValues, ToInt32)
+{
+    EXPECT_EQ(GoodsListModel::toInt32(QVariant()), 0);
+    EXPECT_EQ(GoodsListModel::toInt32(QStringLiteral(" 7 ")), 7);
+    EXPECT_EQ(GoodsListModel::toInt32(QVariant::fromValue<qint16>(-3)), -3);
+    EXPECT_EQ(GoodsListModel::toInt32(2.5), 2);    // half to even
+    EXPECT_EQ(GoodsListModel::toInt32(QStringLiteral("3.5")), 4);
+    EXPECT_EQ(GoodsListModel::toInt32(true), -1);
+    EXPECT_EQ(errorNumber([] { GoodsListModel::toInt32(QStringLiteral("12a")); }), HostErrors::TypeMismatch);
+    EXPECT_EQ(errorNumber([] { GoodsListModel::toInt32(3000000000.0); }), HostErrors::Overflow);
+    EXPECT_EQ(errorNumber([] { GoodsListModel::toInt32(QVariant::fromValue<qint64>(-3000000000LL)); }), HostErrors::Overflow);
+}
+
+TEST(GoodsListModelStatements, WebOrderAndBarCode)
+{
+    const QString head = QStringLiteral("Select t1.FItemID,t3.FName as FItemName,sum(t1.FQuantity) as FQuantity,t4.FID as FPicID  ")
+        + QStringLiteral(" from IC_Web2ERPOrdersEntry t1 ")
+        + QStringLiteral(" INNER Join IC_Web2ERPOrders t2 on t1.FID=t2.FID AND t2.FOrderStatus = 6 ")
+        + QStringLiteral(" LEFT Join t_ICItem t3 on t1.FItemID =t3.FItemID ")
+        + QStringLiteral(" LEFT Join t_Accessory t4 on t1.FItemID=t4.FItemID ");
+    const QString group = QStringLiteral("\r\ngroup by t2.FOrderStatus, t3.FBarcode , t2.FLogisticsOrder,t2.FLogisticsComp, t1.FItemID,t3.FName ,t4.FID  ");
+    EXPECT_EQ(GoodsListModel::webOrderGoodsSql(QStringLiteral("2024")),
+              head + QStringLiteral(" Where t2.FUniqueCode ='2024' OR t2.FLogisticsOrder ='2024'") + group);
+    EXPECT_EQ(GoodsListModel::webOrderGoodsSql(QStringLiteral("SF1")),
+              head + QStringLiteral(" Where t2.FLogisticsOrder ='SF1'") + group);
+    // No table hints, and one line break only.
+    const QString sql = GoodsListModel::webOrderGoodsSql(QStringLiteral("1"));
+    EXPECT_FALSE(sql.contains(QStringLiteral("nolock"), Qt::CaseInsensitive));
+    EXPECT_EQ(sql.count(QStringLiteral("\r\n")), 1);
+    EXPECT_TRUE(GoodsListModel::webOrderEntryGoodsSql(QStringLiteral("1")).startsWith(
+        QStringLiteral("Select t1.FItemID,t1.FEntryID,t3.FName as FItemName,t1.FQuantity FQuantity,t4.FID as FPicID  ")));
+
+    const QString crlf = QStringLiteral("\r\n");
+    EXPECT_EQ(GoodsListModel::goodsIndexByBarCodeSql(QStringLiteral("690123")),
+              QStringLiteral("select  t3.FBarCode ,t1.FItemID  ") + QStringLiteral(" from IC_Web2ERPOrdersEntry t1 ")
+                  + QStringLiteral(" INNER Join IC_Web2ERPOrders t2 on t1.FID=t2.FID ")
+                  + QStringLiteral(" left join t_Barcode t3 on t1.FItemID=t3.FItemID ")
+                  + QStringLiteral(" LEFT Join t_Accessory t4 on t1.FItemID=t4.FItemID ")
+                  + QStringLiteral(" where t3.FBarCode  ='690123'") + QStringLiteral(" AND NOT EXISTS (SELECT 1") + crlf
+                  + QStringLiteral("FROM    IC_GoodsToMateriel t6") + crlf
+                  + QStringLiteral("INNER JOIN t_ICItem t7 ON t6.FMaterielCode = t7.FNumber") + crlf
+                  + QStringLiteral("WHERE t6.FIsPriceChange = 1 And t7.FItemID = t1.FItemID") + crlf
+                  + QStringLiteral("AND t6.FWebshopID = t2.FWebshopID)") + crlf);
+}
