@@ -1,0 +1,59 @@
+#pragma once
+// Drives the real station without a person: one command a line, typed and
+// clicked through the widgets' own event handling, one JSON line of the
+// station's state after each command. Message boxes are answered from the
+// script's queue and recorded, voice prompts recorded instead of played.
+#include <QIODevice>
+#include <QJsonObject>
+#include <QList>
+#include <QPointer>
+#include <QQueue>
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+class frmPickigGoods;
+class QTextStream;
+class QWidget;
+
+struct ReplayCommand {
+    int lineNumber = 0;   // in the script, 1-based
+    QString text;         // the line as written, trimmed
+    QString verb;         // scan, type, key, click, answer, close, state
+    QString target;       // field or control name, the answer
+    QString argument;     // text to type, key name
+};
+
+// Parses a script. Blank lines and lines starting with '#' are skipped. On a
+// malformed line returns false with its number and the reason.
+bool ParseReplayScript(const QString& script, QList<ReplayCommand>& commands, int& badLine, QString& reason);
+
+class ReplayDriver {
+public:
+    explicit ReplayDriver(QList<ReplayCommand> commands);
+    ~ReplayDriver();
+
+    // Registers the recording message box, sound and employee picker.
+    void install();
+    // Runs every command against the station form that is showing, writing
+    // one JSON line per command, then closes the form without asking.
+    void run(frmPickigGoods* form);
+
+    // What the recording objects saw since the last step.
+    struct Recorder;
+    std::shared_ptr<Recorder> recorder() const { return m_recorder; }
+
+private:
+    void execute(const ReplayCommand& command);
+    QJsonObject stateJson(int step, const QString& command) const;
+    QWidget* field(const QString& name) const;
+    QWidget* control(const QString& name) const;
+    void focusField(QWidget* widget);
+    void typeText(QWidget* widget, const QString& text);
+    void pressKey(QWidget* widget, const QString& keyName);
+
+    QList<ReplayCommand> m_commands;
+    QPointer<frmPickigGoods> m_form;
+    std::shared_ptr<Recorder> m_recorder;
+    bool m_closed = false;
+};

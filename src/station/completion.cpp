@@ -1,0 +1,56 @@
+// Completion and saving: the order on the station has passed verification.
+#include "station/frm_pickig_goods.h"
+#include "host/error_reporter.h"
+#include "host/host_error.h"
+#include "host/object_factory.h"
+#include "orderdata/order_goods.h"
+#include "session/host_session.h"
+#include "station/serial_rows.h"
+#include <QCheckBox>
+#include <QLabel>
+#include <exception>
+
+void frmPickigGoods::OrderPassed(bool playSuccessPrompt)
+{
+    if (playSuccessPrompt)
+        PlayVoice(QStringLiteral("\\voice\\Succes.wav"));
+    ImgSuccess->setVisible(true);
+    WriteVerdict(3);
+    // A failure here ends the scan before the status is saved: the order then
+    // stays unverified on the server and can be verified again.
+    if (chkHaveSerial->isChecked())
+        StoreSerialRows();
+    SavePickingStatus(CurrentOrderCode, true);
+    if (m_DeliverOnPick)
+        UpdateDelivery(CurrentOrderCode);
+}
+
+void frmPickigGoods::StoreSerialRows()
+{
+    const QString batch = BuildSerialRowsSql(GetGoodsLineSet());
+    if (batch.isEmpty())
+        return;
+    auto data = CreateServerObjectAs<IGetData>(ProgIds::GetData);
+    data->ExecuteSQL(GetPropsString(), batch);
+}
+
+void frmPickigGoods::UpdateDelivery(const QString& code)
+{
+    if (!m_CreateStockBill)
+        return;
+    // The order has passed whatever happens here: the worker is told and the
+    // station stays as it is.
+    try {
+        const std::optional<GoodsRecord> header = OrderHeaderQuery(code);
+        if (!header)
+            return;
+        auto save = CreateServerObjectAs<ISaveData>(ProgIds::SaveData);
+        save->UpdateDeliveryData(GetPropsString(), header->GetValue(QStringLiteral("FID")).toLongLong());
+    } catch (const HostError& e) {
+        ShowHostMessage(e.description(), this);
+    } catch (const std::exception& e) {
+        ShowHostMessage(QString::fromLocal8Bit(e.what()), this);
+    } catch (...) {
+        ShowHostMessage(QStringLiteral("Unknown error"), this);
+    }
+}

@@ -1,0 +1,351 @@
+// The goods and serial scan: Enter in TxtItemID. The code is matched to one
+// open line of the order on the station, the active view counts it unit by
+// unit, and every outcome gets a message, a voice prompt and a verdict.
+#include "station/frm_pickig_goods.h"
+#include "grid/goods_text_view.h"
+#include "host/error_reporter.h"
+#include "host/host_error.h"
+#include "orderdata/order_goods.h"
+#include "orderdata/serial_lookup.h"
+#include "session/language.h"
+#include "station/scan_line_edit.h"
+#include "station/scan_quantity.h"
+#include "station/serial_lists.h"
+#include "tiles/goods_list_view.h"
+#include <QCheckBox>
+#include <QLabel>
+#include <exception>
+
+namespace {
+
+const QString kVoiceFindGoods = QStringLiteral("\\voice\\findGoods.wav");
+const QString kVoiceScanSerial = QStringLiteral("\\voice\\scanSerial.wav");
+const QString kVoiceRepeatScan = QStringLiteral("\\voice\\repeatScan.wav");
+const QString kVoiceDifKFPeriod = QStringLiteral("\\voice\\DifKFPeriod.wav");
+const QString kVoiceError = QStringLiteral("\\voice\\Error.wav");
+const QString kVoiceExcess = QStringLiteral("\\voice\\Excess.wav");
+
+QString text(const GoodsRecord& record, const QString& key)
+{
+    return record.GetValue(key, QString()).toString();
+}
+
+double number(const GoodsRecord& record, const QString& key)
+{
+    return record.GetValue(key, 0).toDouble();
+}
+
+bool hasOpenQuantity(const GoodsRecord& line)
+{
+    return number(line, QStringLiteral("GoodsPickCnt")) < number(line, QStringLiteral("GoodsOrderCnt"));
+}
+
+void addToPickCnt(GoodsRecord& line, int delta)
+{
+    const int picked = line.GetValue(QStringLiteral("GoodsPickCnt"), 0).toInt() + delta;
+    line.SetValue(QStringLiteral("GoodsPickCnt"), QVariant::fromValue<qint16>(qint16(picked)));
+}
+
+void appendToList(GoodsRecord& line, const QString& key, const QString& value)
+{
+    line.SetValue(key, text(line, key) + QLatin1Char(',') + value);
+}
+
+// The calls of one scan on the view the worker looks at: tiles address a line
+// by its index, the grid by goods and entry.
+class ActiveView {
+public:
+    ActiveView(frmPickigGoods& form, qint32 index, qint32 itemId, qint32 entryId)
+        : m_form(form), m_index(index), m_itemId(itemId), m_entryId(entryId) {}
+
+    void select()
+    {
+        if (grid())
+            m_form.GoodsTextView->SelectedGoodsByIDNew(m_itemId, m_entryId);
+        else
+            m_form.GoodsListView->SelectedGoodsSerilNumNew(m_itemId, m_entryId);
+    }
+    void countOne()
+    {
+        if (grid())
+            m_form.GoodsTextView->PickingGoodsNew(m_itemId, m_entryId);
+        else
+            m_form.GoodsListView->PickingGoods(m_index);
+    }
+    int status()
+    {
+        return grid() ? int(m_form.GoodsTextView->IsPickedNew(m_itemId, m_entryId))
+                      : int(m_form.GoodsListView->IsPicked(m_index));
+    }
+    // The grid undoes by goods alone, as its plain operations find the first
+    // line of those goods.
+    qint32 excessCnt()
+    {
+        return grid() ? m_form.GoodsTextView->GetExcessCnt(m_itemId) : m_form.GoodsListView->GetExcessCnt(m_index);
+    }
+    qint32 pickedCnt()
+    {
+        return grid() ? m_form.GoodsTextView->GetPickedCnt(m_itemId) : m_form.GoodsListView->GetPickedCnt(m_index);
+    }
+    void clearCheckedCnt()
+    {
+        if (grid())
+            m_form.GoodsTextView->ClearCheckedCnt(m_itemId);
+        else
+            m_form.GoodsListView->ClearCheckedCnt(m_index);
+    }
+    void refresh()
+    {
+        if (grid())
+            m_form.GoodsTextView->RefreshGoodsNew(m_itemId, m_entryId);
+        else
+            m_form.GoodsListView->RefreshGoodsNew(m_itemId, m_entryId);
+    }
+
+private:
+    bool grid() const { return m_form.IsGridView(); }
+    frmPickigGoods& m_form;
+    qint32 m_index, m_itemId, m_entryId;
+};
+
+// A code that is no goods of the order may be the next order: when the header
+// query knows it, the order scan takes it over.
+bool takeAsOrderCode(frmPickigGoods& form, const QString& code)
+{
+    if (!form.OrderHeaderQuery(code))
+        return false;
+    form.TxtID->setText(code);
+    form.TxtID_Enter();
+    return true;
+}
+
+class GoodsScan {
+public:
+    explicit GoodsScan(frmPickigGoods& form) : f(form) {}
+    void run();
+
+private:
+    bool lookUp();
+    bool chooseBarCodeLine();
+    bool chooseSerialLine();
+    bool shelfLifeFits(GoodsRecord& line);
+
+    frmPickigGoods& f;
+    QString m_code;
+    GoodsRecord m_found = GoodsRecord::none();
+    qint32 m_itemId = 0;
+    bool m_serialMode = false;   // chkHaveSerial: the code is a serial number
+    bool m_serialScan = false;   // ... and the serial was found
+    qint32 m_quantity = 1;
+    GoodsRecord m_line = GoodsRecord::none();   // the chosen order line
+};
+
+void GoodsScan::run()
+{
+    m_code = f.TxtItemID->text().trimmed();
+    if (m_code.isEmpty())
+        return;
+
+    if (f.TxtID->text().trimmed().isEmpty() || !HasGoodsLines()) {
+        if (!takeAsOrderCode(f, m_code)) {
+            f.PlayVoice(kVoiceFindGoods);
+            f.SetMessage(QStringLiteral("找不到物流单号/唯一码/商品条码/序列号"));
+        }
+        return;
+    }
+
+    // Read before the line is touched, so a bad quantity leaves nothing to undo.
+    const std::optional<qint32> quantity = ScanQuantity(f.TxtNum->text());
+    if (!quantity) {
+        f.SetMessage(QStringLiteral("商品数量只能为数值！"));
+        return;
+    }
+    m_quantity = *quantity;
+
+    if (!lookUp())
+        return;
+    if (m_serialMode ? !chooseSerialLine() : !chooseBarCodeLine())
+        return;
+
+    f.SetMessage(QString());
+    const QString entry = text(m_found, QStringLiteral("FEntryID"));
+    const qint32 index = FindGoodsLineIndex(m_itemId, entry);
+    if (index == -2) {
+        if (!takeAsOrderCode(f, m_code)) {
+            f.PlayVoice(kVoiceFindGoods);
+            f.lblPickInfo->clear();
+            f.SetMessage(QStringLiteral("找不到相应的发货单或商品"));
+        }
+        return;
+    }
+    if (index < 0) {
+        f.PlayVoice(kVoiceError);
+        f.m_ErrorNum += m_quantity;
+        f.WriteVerdict(2);
+        return;
+    }
+
+    ActiveView view(f, index, m_itemId, entry.toInt());
+    if (m_quantity >= 2) {
+        if (m_serialScan) {
+            // Nothing is counted, so the line keeps the open quantity it had.
+            if (!m_line.isNone())
+                addToPickCnt(m_line, -1);
+            f.ShowMessageBox(LoadString(QStringLiteral("亲，序列号扫描不支持手动批量扫描!")), 48, VeltoTitle);
+            return;
+        }
+        // A typed quantity replaces what the line had counted so far.
+        f.m_ExcessNum -= view.excessCnt();
+        f.WriteVerdict(0);
+        f.m_PickedNum -= view.pickedCnt();
+        f.UpdateProgress();
+        view.clearCheckedCnt();
+    }
+
+    if (m_serialScan && !m_line.isNone() && !shelfLifeFits(m_line))
+        return;
+
+    const qint32 total = f.lblOrderNum->text().toInt();
+    int status = 0;
+    view.select();
+    for (qint32 k = 1; k <= m_quantity; ++k) {
+        const bool lastUnit = k == m_quantity;
+        view.countOne();
+        status = view.status();
+        if (status < 2) {
+            ++f.m_PickedNum;
+            f.UpdateProgress();
+            f.lblPickInfo->clear();
+            if (f.m_RecomputeMissing) {
+                f.m_MissingNum = total - f.m_PickedNum;
+                f.WriteVerdict(1);
+            }
+            if (total >= 1 && f.m_PickedNum == total)
+                f.OrderPassed(lastUnit);
+        } else {
+            // One prompt for the whole quantity, not one per piece.
+            if (lastUnit)
+                f.PlayVoice(kVoiceExcess);
+            ++f.m_ExcessNum;
+            f.WriteVerdict(0);
+        }
+    }
+    if (status == 1 || status == 2)
+        view.refresh();
+}
+
+bool GoodsScan::lookUp()
+{
+    m_serialMode = f.chkHaveSerial->isChecked();
+    if (m_serialMode) {
+        m_found = FindSerialNumber(m_code);
+        if (!text(m_found, QStringLiteral("FItemID")).isEmpty()) {
+            m_itemId = m_found.GetValue(QStringLiteral("FItemID")).toInt();
+            m_serialScan = true;
+        }
+        return true;
+    }
+    m_found = FindWebOrderGoodsByBarCode(m_code);
+    if (!text(m_found, QStringLiteral("FItemID")).isEmpty()) {
+        if (m_found.GetValue(QStringLiteral("FSerialClassID"), 0).toInt() != 0) {
+            f.PlayVoice(kVoiceScanSerial);
+            f.SetMessage(QStringLiteral("亲,请扫描序列号"));
+            return false;
+        }
+        m_itemId = m_found.GetValue(QStringLiteral("FItemID")).toInt();
+    }
+    return true;
+}
+
+bool GoodsScan::chooseBarCodeLine()
+{
+    const RecordList lines = GetGoodsLineSet();
+    const QString item = QString::number(m_itemId);
+    for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
+        GoodsRecord line = lines.Item(i);
+        if (text(line, QStringLiteral("GoodsID")) == item && hasOpenQuantity(line)) {
+            m_found.SetValue(QStringLiteral("FEntryID"), line.GetValue(QStringLiteral("FEntryID")));
+            addToPickCnt(line, 1);
+            m_line = line;
+            break;
+        }
+    }
+    return true;   // no open line: the index search below answers it
+}
+
+bool GoodsScan::chooseSerialLine()
+{
+    const RecordList lines = GetGoodsLineSet();
+    const QString item = QString::number(m_itemId);
+    // The server finds serials without regard to case; the serial as stored
+    // is the one the line keeps, so a rescan in other case is still a repeat.
+    QString serial = text(m_found, QStringLiteral("FSerialNum"));
+    if (serial.isEmpty())
+        serial = m_code;
+    for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
+        GoodsRecord line = lines.Item(i);
+        if (text(line, QStringLiteral("GoodsID")) != item || !hasOpenQuantity(line))
+            continue;
+        if (SerialListContains(text(line, QStringLiteral("FSeriNum")), serial)) {
+            f.PlayVoice(kVoiceRepeatScan);
+            f.SetMessage(QStringLiteral("该商品的序列号重复扫描"));
+            return false;
+        }
+        if (text(m_found, QStringLiteral("FStockID")) == text(line, QStringLiteral("FStockID"))
+            && text(m_found, QStringLiteral("FBatchNo")) == text(line, QStringLiteral("FBatchNo"))
+            && text(m_found, QStringLiteral("FStockPlace")) == text(line, QStringLiteral("FSPID"))) {
+            m_found.SetValue(QStringLiteral("FEntryID"), line.GetValue(QStringLiteral("FEntryID")));
+            addToPickCnt(line, 1);
+            m_line = line;
+            m_found.SetValue(QStringLiteral("FSerialNum"), serial);
+            return true;
+        }
+        // A serial may fit a later line of the same goods, so an earlier line
+        // that does not fit is passed over in silence; only when the last line
+        // of the order does not fit either is the worker told.
+        if (i == lines.UpperBound()) {
+            f.PlayVoice(kVoiceFindGoods);
+            f.SetMessage(QStringLiteral("该商品的批次、仓库、仓位信息与订单分录上的不一致"));
+            return false;
+        }
+    }
+    return true;
+}
+
+bool GoodsScan::shelfLifeFits(GoodsRecord& line)
+{
+    const QString period = text(m_found, QStringLiteral("FKFPeriod"));
+    const QString date = text(m_found, QStringLiteral("FKFDate"));
+    const QString linePeriods = text(line, QStringLiteral("FKFPeriod"));
+    const QString lineDates = text(line, QStringLiteral("FKFDate"));
+    if ((!linePeriods.isEmpty() && ListDiffersFrom(linePeriods, period))
+        || (!lineDates.isEmpty() && ListDiffersFrom(lineDates, date))) {
+        f.PlayVoice(kVoiceDifKFPeriod);
+        f.SetMessage(QStringLiteral("同一分录不允许扫描不同保质期的商品"));
+        addToPickCnt(line, -1);
+        return false;
+    }
+    appendToList(line, QStringLiteral("FSeriNum"), text(m_found, QStringLiteral("FSerialNum")));
+    appendToList(line, QStringLiteral("FSerialID"), text(m_found, QStringLiteral("FSerialID")));
+    appendToList(line, QStringLiteral("FKFPeriod"), period);
+    appendToList(line, QStringLiteral("FKFDate"), date);
+    return true;
+}
+
+} // namespace
+
+void frmPickigGoods::TxtItemID_Enter()
+{
+    try {
+        GoodsScan(*this).run();
+    } catch (const HostError& e) {
+        ReportError(e.number(), e.description(), this);
+    } catch (const std::exception& e) {
+        ReportError(0, QString::fromLocal8Bit(e.what()), this);
+    } catch (...) {
+        ReportError(0, QStringLiteral("Unknown error"), this);
+    }
+    // Every path, errors included, leaves the station ready for the next scan.
+    TxtNum->setText(QStringLiteral("1"));
+    FocusAndSelect(TxtItemID);
+}

@@ -1,0 +1,52 @@
+// Quantity entry: TxtNum holds the pieces the next goods scan applies.
+#include "station/frm_pickig_goods.h"
+#include "host/error_reporter.h"
+#include "host/host_error.h"
+#include "host/platform.h"
+#include "station/scan_line_edit.h"
+#include <exception>
+
+namespace {
+const QString kNotNumeric = QStringLiteral("商品数量只能为数值！");
+
+template <class Work>
+void guarded(frmPickigGoods* form, Work work)
+{
+    try {
+        work();
+    } catch (const HostError& e) {
+        ShowHostMessage(e.description(), form);
+    } catch (const std::exception& e) {
+        ShowHostMessage(QString::fromLocal8Bit(e.what()), form);
+    } catch (...) {
+        ShowHostMessage(QStringLiteral("Unknown error"), form);
+    }
+}
+} // namespace
+
+void frmPickigGoods::TxtNum_Change()
+{
+    guarded(this, [this] {
+        const QString text = TxtNum->text();
+        // Empty is allowed while the worker types.
+        if (text.isEmpty() || IsNumeric(text))
+            return;
+        TxtNum->setText(QString());
+        SetMessage(kNotNumeric);
+    });
+}
+
+void frmPickigGoods::TxtNum_Enter()
+{
+    guarded(this, [this] {
+        if (!IsNumeric(TxtNum->text())) {
+            TxtNum->setText(QString());
+            SetMessage(kNotNumeric);
+            return;
+        }
+        TxtItemID_Enter();
+        // The scan's own message gives way: the worker sees the verdict and
+        // the prompt instead.
+        SetMessage(QString());
+    });
+}

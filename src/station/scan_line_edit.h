@@ -1,0 +1,35 @@
+#pragma once
+// The entry field of the station's scan boxes. A code pasted between single
+// quotes into SQL must never hold one: the quote and its look-alikes, and any
+// control character, are taken out on every path into the field (keys, paste,
+// drop, setText). Enter, clicks, focus changes and function keys are raised as
+// signals so that the form's handlers stay in the form.
+#include <QLineEdit>
+
+class ScanLineEdit : public QLineEdit {
+    Q_OBJECT
+public:
+    explicit ScanLineEdit(QWidget* parent = nullptr);
+
+    // True for a character that never reaches a scan field.
+    static bool isRefused(QChar c);
+    // The text without the refused characters.
+    static QString cleaned(const QString& text);
+
+signals:
+    void enterPressed();
+    void clicked();
+    void doubleClicked();
+    // Focus moves inside the window; a window being activated or left is no
+    // move from one field to another and raises nothing.
+    void focusEntered();
+    void focusLeft();
+    void functionKeyPressed(int key);   // Qt::Key_F1 .. Qt::Key_F12
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+};

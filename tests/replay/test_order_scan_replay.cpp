@@ -1,0 +1,266 @@
+// The launcher end to end: the real station on a fresh demo database, driven
+// by replay scripts, read back from its JSON lines and from the database.
+#include "replay/replay_harness.h"
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace {
+
+QString text(const QJsonObject& step, const char* key)
+{
+    return step.value(QLatin1String(key)).toString();
+}
+
+QStringList goodsIds(const QJsonObject& step)
+{
+    QStringList ids;
+    for (const QJsonValue& line : step.value(QStringLiteral("lines")).toArray())
+        ids << QString::number(line.toObject().value(QStringLiteral("GoodsID")).toInteger());
+    return ids;
+}
+
+QString picking(const ReplayHarness& h, const QString& uniqueCode)
+{
+    return h.queryValue(QStringLiteral("SELECT IFNULL(FPIckingGoodsStatus,'null') || '/' || IFNULL(FPickingGoodMan,'null') "
+                                       "FROM IC_Web2ERPOrders WHERE FUniqueCode = ?"),
+                        {uniqueCode})
+        .toString();
+}
+
+const QString NotFound = QStringLiteral("找不到物流单号/唯一码/商品条码/序列号");
+
+} // namespace
+
+TEST(OrderScanReplay, AnOrderLoadsWithItsTotalShopAndAFreshStatus)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    h.execute(QStringLiteral("UPDATE IC_Web2ERPOrders SET FPickingGoodMan = 204 WHERE FUniqueCode IN ('10001', '10002')"));
+
+    const ReplayRun run = h.run(QStringLiteral("# a normal day\nstate\n\nscan TxtID 10001\nscan TxtID 773000000002\n"));
+    ASSERT_EQ(run.exitCode, 0) << run.describe().toStdString();
+    ASSERT_EQ(run.steps.size(), 3) << run.describe().toStdString();
+
+    const QJsonObject start = run.step(1);
+    EXPECT_EQ(text(start, "command"), QStringLiteral("state"));
+    EXPECT_EQ(text(start, "TxtEmployee"), QStringLiteral("张伟"));
+    EXPECT_EQ(text(start, "lblOrderNum"), QStringLiteral("0"));
+    EXPECT_EQ(text(start, "lblPickedNum"), QStringLiteral("0/"));
+    EXPECT_EQ(text(start, "TxtNum"), QStringLiteral("1"));
+    EXPECT_EQ(text(start, "view"), QStringLiteral("tiles"));
+    EXPECT_FALSE(start.value(QStringLiteral("ImgSuccess")).toBool());
+    EXPECT_FALSE(start.value(QStringLiteral("closed")).toBool());
+    EXPECT_TRUE(start.value(QStringLiteral("lines")).toArray().isEmpty());
+
+    const QJsonObject loaded = run.step(2);
+    EXPECT_EQ(text(loaded, "command"), QStringLiteral("scan TxtID 10001"));
+    EXPECT_EQ(text(loaded, "TxtID"), QStringLiteral("10001"));
+    EXPECT_EQ(text(loaded, "lblOrderNum"), QStringLiteral("4"));
+    EXPECT_EQ(text(loaded, "lblPickedNum"), QStringLiteral("0/"));
+    EXPECT_EQ(text(loaded, "txtWebshop"), QStringLiteral("天猫旗舰店"));
+    EXPECT_EQ(text(loaded, "lblMessage"), QString());
+    EXPECT_EQ(goodsIds(loaded), (QStringList{"1001", "1008", "1014"}));
+    EXPECT_EQ(lineSummaries(loaded), (QStringList{"1001/1:1/0/0", "1008/2:1/0/0", "1014/3:2/0/0"}));
+    EXPECT_TRUE(loaded.value(QStringLiteral("voice")).toArray().isEmpty());
+    EXPECT_TRUE(loaded.value(QStringLiteral("boxes")).toArray().isEmpty());
+
+    // Leaving 10001 for 10002 logs its verdict; one entry alone is not shown yet.
+    const QJsonObject second = run.step(3);
+    EXPECT_EQ(text(second, "txtWebshop"), QStringLiteral("京东自营店"));
+    EXPECT_EQ(goodsIds(second), (QStringList{"1005", "1016"}));
+
+    // Every fresh load put status 0 and picker 0 on the server.
+    EXPECT_EQ(picking(h, QStringLiteral("10001")), QStringLiteral("0/0"));
+    EXPECT_EQ(picking(h, QStringLiteral("10002")), QStringLiteral("0/0"));
+    EXPECT_EQ(picking(h, QStringLiteral("10006")), QStringLiteral("1/201"));
+}
+
+TEST(OrderScanReplay, RefusalsAndUnknownCodesEmptyTheStation)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    const ReplayRun run = h.run(QStringLiteral("scan TxtID 10001\nscan TxtID 10003\n"
+                                               "scan TxtID 10001\nscan TxtID 10004\n"
+                                               "scan TxtID 10001\nscan TxtID 10006\n"
+                                               "scan TxtID 10001\nscan TxtID 99999\n"));
+    ASSERT_EQ(run.exitCode, 0) << run.describe().toStdString();
+    ASSERT_EQ(run.steps.size(), 8) << run.describe().toStdString();
+
+    struct Refusal {
+        int step;
+        QString code;
+        QString message;
+        QStringList voice;
+    };
+    const QList<Refusal> refusals{
+        {2, QStringLiteral("10003"), QStringLiteral("此单已冻结，请解冻后再操作！"), {}},
+        {4, QStringLiteral("10004"), QStringLiteral("此单交易状态为申请退款"), {QStringLiteral("\\voice\\refunds.wav")}},
+        {6, QStringLiteral("10006"), QStringLiteral("此单已校验通过"), {QStringLiteral("\\voice\\repeatCheck.wav")}},
+    };
+    for (const Refusal& r : refusals) {
+        const QJsonObject before = run.step(r.step - 1);
+        EXPECT_EQ(text(before, "lblOrderNum"), QStringLiteral("4")) << r.step;
+        EXPECT_EQ(goodsIds(before).size(), 3);
+        const QJsonObject step = run.step(r.step);
+        EXPECT_EQ(text(step, "lblMessage"), r.message) << r.step;
+        EXPECT_EQ(jsonStrings(step.value(QStringLiteral("voice"))), r.voice) << r.step;
+        EXPECT_TRUE(step.value(QStringLiteral("lines")).toArray().isEmpty()) << r.step;
+        EXPECT_EQ(text(step, "lblOrderNum"), QStringLiteral("0")) << r.step;
+        EXPECT_EQ(text(step, "lblPickedNum"), QStringLiteral("0/")) << r.step;
+        EXPECT_EQ(text(step, "txtWebshop"), QString()) << r.step;
+        EXPECT_EQ(text(step, "TxtID"), r.code) << r.step;
+        EXPECT_FALSE(step.value(QStringLiteral("ImgSuccess")).toBool());
+        EXPECT_TRUE(step.value(QStringLiteral("boxes")).toArray().isEmpty());
+    }
+
+    // An unknown code: the not-found message, no voice, nothing loaded.
+    const QJsonObject unknown = run.step(8);
+    EXPECT_EQ(text(unknown, "lblMessage"), NotFound);
+    EXPECT_TRUE(unknown.value(QStringLiteral("voice")).toArray().isEmpty());
+    EXPECT_TRUE(unknown.value(QStringLiteral("lines")).toArray().isEmpty());
+    EXPECT_EQ(text(unknown, "lblOrderNum"), QStringLiteral("0"));
+    // Leaving 10001 three times updated its one entry ("+" is no order and
+    // gets none): the pane shows the log from two entries on.
+    EXPECT_TRUE(unknown.value(QStringLiteral("log")).toArray().isEmpty());
+    // Refused orders stay as they were on the server.
+    EXPECT_EQ(picking(h, QStringLiteral("10006")), QStringLiteral("1/201"));
+}
+
+TEST(OrderScanReplay, CodesAreTypedKeyByKeyAndMatchByTheirKind)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    const ReplayRun run = h.run(QStringLiteral("scan TxtID TB10027\nscan TxtID YT10027\nscan TxtID SF10001\n"
+                                               "type TxtID 10'0’02\nkey TxtID Enter\n"
+                                               "click TxtID\nkey TxtID Tab\n"));
+    ASSERT_EQ(run.exitCode, 0) << run.describe().toStdString();
+    ASSERT_EQ(run.steps.size(), 7) << run.describe().toStdString();
+    // A unique code with a letter is looked for as a logistics number only.
+    EXPECT_EQ(text(run.step(1), "lblMessage"), NotFound);
+    EXPECT_EQ(text(run.step(1), "lblOrderNum"), QStringLiteral("0"));
+    EXPECT_EQ(text(run.step(2), "lblOrderNum"), QStringLiteral("1"));
+    EXPECT_EQ(goodsIds(run.step(2)), QStringList{"1016"});
+    EXPECT_EQ(text(run.step(3), "lblOrderNum"), QStringLiteral("4"));
+    // Quotes typed on the keyboard never reach the field.
+    EXPECT_EQ(text(run.step(4), "TxtID"), QStringLiteral("10002"));
+    EXPECT_EQ(text(run.step(4), "lblOrderNum"), QStringLiteral("4"));
+    EXPECT_EQ(goodsIds(run.step(5)), (QStringList{"1005", "1016"}));
+    // A click empties TxtID; leaving it shows the order on the station again.
+    EXPECT_EQ(text(run.step(6), "TxtID"), QString());
+    EXPECT_EQ(text(run.step(7), "TxtID"), QStringLiteral("10002"));
+}
+
+TEST(OrderScanReplay, AnOrderScannedAgainComesBackWithItsCounts)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    const ReplayRun run = h.run(QStringLiteral("scan TxtID 10001\nscan TxtItemID 6931000010017\n"
+                                               "scan TxtID 10002\nscan TxtID 10001\n"));
+    ASSERT_EQ(run.exitCode, 0) << run.describe().toStdString();
+    ASSERT_EQ(run.steps.size(), 4);
+    EXPECT_EQ(text(run.step(2), "lblPickedNum"), QStringLiteral("1/4"));
+    EXPECT_EQ(text(run.step(3), "lblPickedNum"), QStringLiteral("0/"));
+    const QJsonObject back = run.step(4);
+    EXPECT_EQ(text(back, "lblPickedNum"), QStringLiteral("1/4"));
+    EXPECT_EQ(checkedTotal(back), 1);
+    EXPECT_EQ(lineSummaries(back).first(), QStringLiteral("1001/1:1/1/1"));
+    EXPECT_EQ(jsonStrings(back.value(QStringLiteral("log"))),
+              (QStringList{QStringLiteral("10002异常, , 缺少4件, 误拣0件"), QStringLiteral("10001异常, , 缺少3件, 误拣0件")}));
+
+    // A new station loads it fresh, from zero.
+    const ReplayRun again = h.run(QStringLiteral("scan TxtID 10001\n"));
+    ASSERT_EQ(again.exitCode, 0) << again.describe().toStdString();
+    EXPECT_EQ(checkedTotal(again.step(1)), 0);
+    EXPECT_EQ(text(again.step(1), "lblPickedNum"), QStringLiteral("0/"));
+    EXPECT_EQ(picking(h, QStringLiteral("10001")), QStringLiteral("0/0"));
+}
+
+TEST(OrderScanReplay, TheCloseQuestionWithYesAndNo)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    const ReplayRun run = h.run(QStringLiteral("close\n"));
+    ASSERT_EQ(run.exitCode, 0) << run.describe().toStdString();
+    EXPECT_TRUE(run.last().value(QStringLiteral("closed")).toBool());
+    EXPECT_TRUE(run.allBoxTexts().isEmpty());
+
+    const ReplayRun asked = h.run(QStringLiteral("scan TxtID 10001\nanswer yes\nclose\nclose\nanswer no\nclose\nstate\n"));
+    ASSERT_EQ(asked.exitCode, 0) << asked.describe().toStdString();
+    ASSERT_EQ(asked.steps.size(), 7);
+    const QJsonArray first = asked.step(3).value(QStringLiteral("boxes")).toArray();
+    ASSERT_EQ(first.size(), 1);
+    EXPECT_EQ(first.at(0).toObject().value(QStringLiteral("title")).toString(), QStringLiteral("Velto提示"));
+    EXPECT_TRUE(first.at(0).toObject().value(QStringLiteral("text")).toString().endsWith(
+        QStringLiteral("10001未通过，是否继续校验?")));
+    // Yes keeps the station open on the same order.
+    EXPECT_FALSE(asked.step(3).value(QStringLiteral("closed")).toBool());
+    EXPECT_EQ(text(asked.step(3), "TxtID"), QStringLiteral("10001"));
+    EXPECT_EQ(text(asked.step(3), "lblOrderNum"), QStringLiteral("4"));
+    // An unqueued question is answered yes.
+    EXPECT_EQ(asked.step(4).value(QStringLiteral("boxes")).toArray().size(), 1);
+    EXPECT_FALSE(asked.step(4).value(QStringLiteral("closed")).toBool());
+    // No closes it.
+    EXPECT_EQ(asked.step(6).value(QStringLiteral("boxes")).toArray().size(), 1);
+    EXPECT_TRUE(asked.step(6).value(QStringLiteral("closed")).toBool());
+    EXPECT_TRUE(asked.step(7).value(QStringLiteral("closed")).toBool());
+}
+
+TEST(OrderScanReplay, OptionsSurviveARestart)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    // 10011 holds goods without barcodes only.
+    const ReplayRun first = h.run(QStringLiteral("scan TxtID 10011\nclick chkShowText\nclick chkBarCode\nscan TxtID 10011\n"));
+    ASSERT_EQ(first.exitCode, 0) << first.describe().toStdString();
+    EXPECT_EQ(text(first.step(1), "lblOrderNum"), QStringLiteral("0"));
+    EXPECT_EQ(text(first.step(2), "view"), QStringLiteral("grid"));
+    EXPECT_EQ(text(first.step(4), "lblOrderNum"), QStringLiteral("4"));
+
+    // The script ended without a close question; the options were saved all the same.
+    const ReplayRun second = h.run(QStringLiteral("state\nscan TxtID 10011\n"));
+    ASSERT_EQ(second.exitCode, 0) << second.describe().toStdString();
+    EXPECT_EQ(text(second.step(1), "view"), QStringLiteral("grid"));
+    EXPECT_EQ(text(second.step(2), "lblOrderNum"), QStringLiteral("4"));
+
+    // Another user starts from the defaults.
+    const ReplayRun other = h.run(QStringLiteral("state\n"), {QStringLiteral("--props"), h.propsString(2)});
+    ASSERT_EQ(other.exitCode, 0) << other.describe().toStdString();
+    EXPECT_EQ(text(other.step(1), "view"), QStringLiteral("tiles"));
+    EXPECT_EQ(text(other.step(1), "TxtEmployee"), QStringLiteral("李娜"));
+}
+
+TEST(OrderScanReplay, ExitCodesForABadScriptAndAMissingDatabase)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+
+    const ReplayRun bad = h.run(QStringLiteral("state\n\n# fine so far\nscan Nowhere 1\nstate\n"));
+    EXPECT_EQ(bad.exitCode, 2);
+    EXPECT_TRUE(bad.standardError.contains(QStringLiteral("line 4"))) << bad.describe().toStdString();
+    EXPECT_TRUE(bad.steps.isEmpty());
+    for (const QString& script : {QStringLiteral("answer maybe\n"), QStringLiteral("key TxtID NoSuchKey\n"),
+                                  QStringLiteral("frobnicate\n"), QStringLiteral("close now\n")}) {
+        const ReplayRun r = h.run(script);
+        EXPECT_EQ(r.exitCode, 2) << script.toStdString();
+        EXPECT_TRUE(r.standardError.contains(QStringLiteral("line 1"))) << r.describe().toStdString();
+    }
+
+    const QString missing = h.folder() + QStringLiteral("/no/such.db");
+    const ReplayRun noDb = h.run(QStringLiteral("state\n"),
+                                 {QStringLiteral("--props"),
+                                  QStringLiteral("UserID=1;ConnectString={Provider=SQLite;Data Source=%1;Password=hunter2};").arg(missing)});
+    EXPECT_EQ(noDb.exitCode, 1) << noDb.describe().toStdString();
+    EXPECT_TRUE(noDb.steps.isEmpty());
+    EXPECT_FALSE(noDb.standardError.contains(QStringLiteral("hunter2")));
+    EXPECT_FALSE(QFile::exists(missing));
+
+    // The script may come on standard input.
+    const ReplayRun piped = h.runRaw({QStringLiteral("--props"), h.propsString(), QStringLiteral("--replay"), QStringLiteral("-")},
+                                     QStringLiteral("scan TxtID 10001\n"));
+    EXPECT_EQ(piped.exitCode, 0) << piped.describe().toStdString();
+    ASSERT_EQ(piped.steps.size(), 1);
+    EXPECT_EQ(text(piped.step(1), "lblOrderNum"), QStringLiteral("4"));
+
+    // Unknown arguments are refused before anything runs.
+    EXPECT_EQ(h.runRaw({QStringLiteral("--bogus")}).exitCode, 2);
+}

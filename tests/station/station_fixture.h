@@ -1,0 +1,199 @@
+#pragma once
+// A station on a real demo database: each test gets its own copy of the demo
+// file, the session's property string published for this process, and
+// recording message boxes and sounds in place of the host's.
+#include "host/demo_database.h"
+#include "host/lang_info.h"
+#include "host/object_factory.h"
+#include "host/platform.h"
+#include "host/sql_engine.h"
+#include "orderdata/order_goods.h"
+#include "session/host_session.h"
+#include "session/language.h"
+#include "station/frm_pickig_goods.h"
+#include "station/scan_line_edit.h"
+#include <QApplication>
+#include <QAtomicInt>
+#include <QFile>
+#include <QQueue>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+#include <memory>
+
+struct ShownBox {
+    QString text;
+    int flags = 0;
+    QString title;
+};
+
+// What the recording host objects saw, and the answers they give.
+struct StationRecorder {
+    QList<ShownBox> boxes;
+    QQueue<int> answers;      // the next answers to question boxes; Yes when empty
+    QStringList voices;
+};
+
+class RecordingBoxes : public IMessageBox {
+public:
+    explicit RecordingBoxes(std::shared_ptr<StationRecorder> r) : m_r(std::move(r)) {}
+    int Show(QWidget*, const QString& text, int flags, const QString& title) override
+    {
+        m_r->boxes.append({text, flags, title});
+        if ((flags & 7) == 0)
+            return MsgBox::Ok;
+        return m_r->answers.isEmpty() ? MsgBox::Yes : m_r->answers.dequeue();
+    }
+
+private:
+    std::shared_ptr<StationRecorder> m_r;
+};
+
+class RecordingSounds : public ISound {
+public:
+    explicit RecordingSounds(std::shared_ptr<StationRecorder> r) : m_r(std::move(r)) {}
+    void Play(const QString& fileName) override { m_r->voices << fileName; }
+
+private:
+    std::shared_ptr<StationRecorder> m_r;
+};
+
+class StationFormTest : public ::testing::Test {
+protected:
+    static QString pristineDatabase()
+    {
+        static QTemporaryDir dir;
+        static const QString file = [] {
+            const QString f = dir.filePath(QStringLiteral("pristine.db"));
+            CreateDemoDatabase(f);
+            return f;
+        }();
+        return file;
+    }
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        m_db = m_dir.filePath(QStringLiteral("station.db"));
+        ASSERT_TRUE(QFile::copy(pristineDatabase(), m_db));
+        QFile::setPermissions(m_db, QFile::ReadOwner | QFile::WriteOwner);
+        SetHostLanguageCode(QStringLiteral("chs"));
+        ResetLanguageCache();
+        ResetHostSession();
+        publishUser(1);
+        auto recorder = m_rec;
+        RegisterServerObject(ProgIds::MessageBox, [recorder] { return std::make_shared<RecordingBoxes>(recorder); });
+        RegisterServerObject(ProgIds::Sound, [recorder] { return std::make_shared<RecordingSounds>(recorder); });
+    }
+
+    void TearDown() override
+    {
+        m_form.reset();
+        SqlEngine::closeAll();
+        RestoreBuiltInServerObjects();
+        ResetSessionState();
+        ResetHostSession();
+        ResetLanguageCache();
+    }
+
+    void publishUser(int userId)
+    {
+        CreateServerObjectAs<IShareProps>(ProgIds::ShareProps)
+            ->SetProperty(CurrentProcessId(), QStringLiteral("PropsString"), DemoPropsString(m_db, userId));
+    }
+
+    // A new station, shown and active, as the host opens it.
+    frmPickigGoods* openStation()
+    {
+        m_form = std::make_unique<frmPickigGoods>();
+        m_form->show();
+        m_form->activateWindow();
+        QApplication::setActiveWindow(m_form.get());
+        QApplication::processEvents();
+        return m_form.get();
+    }
+
+    // Closes the station as the window's close button does; true when it closed.
+    bool closeStation()
+    {
+        const bool closed = m_form->close();
+        QApplication::processEvents();
+        return closed;
+    }
+
+    // Focus, select, type key by key, Enter: what a scanner does.
+    static void scanInto(QLineEdit* field, const QString& text)
+    {
+        typeInto(field, text);
+        QTest::keyClick(field, Qt::Key_Return);
+        QApplication::processEvents();
+    }
+
+    static void typeInto(QLineEdit* field, const QString& text)
+    {
+        field->setFocus(Qt::OtherFocusReason);
+        QApplication::processEvents();
+        field->selectAll();
+        QTest::keyClicks(field, text);
+    }
+
+    QVariant dbValue(const QString& sql, const QVariantList& params = {}) const
+    {
+        QVariant value;
+        withDb([&](QSqlQuery& q) {
+            if (q.next())
+                value = q.value(0);
+        }, sql, params);
+        return value;
+    }
+
+    void dbExec(const QString& sql, const QVariantList& params = {}) const
+    {
+        withDb([](QSqlQuery&) {}, sql, params);
+    }
+
+    // The picking status and picker of an order, as "status/picker".
+    QString pickingOf(const QString& uniqueCode) const
+    {
+        return dbValue(QStringLiteral("SELECT IFNULL(FPIckingGoodsStatus,'null') || '/' || IFNULL(FPickingGoodMan,'null') "
+                                      "FROM IC_Web2ERPOrders WHERE FUniqueCode = ?"),
+                       {uniqueCode})
+            .toString();
+    }
+
+    QStringList boxTexts() const
+    {
+        QStringList texts;
+        for (const ShownBox& box : m_rec->boxes)
+            texts << box.text;
+        return texts;
+    }
+
+    QTemporaryDir m_dir;
+    QString m_db;
+    std::shared_ptr<StationRecorder> m_rec = std::make_shared<StationRecorder>();
+    std::unique_ptr<frmPickigGoods> m_form;
+
+private:
+    template <class Read>
+    void withDb(Read read, const QString& sql, const QVariantList& params) const
+    {
+        static QAtomicInt counter;
+        const QString name = QStringLiteral("station_fixture_%1").arg(counter.fetchAndAddRelaxed(1));
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            db.setDatabaseName(m_db);
+            EXPECT_TRUE(db.open()) << db.lastError().text().toStdString();
+            QSqlQuery q(db);
+            EXPECT_TRUE(q.prepare(sql)) << q.lastError().text().toStdString();
+            for (const QVariant& p : params)
+                q.addBindValue(p);
+            EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString() << " in " << sql.toStdString();
+            read(q);
+        }
+        QSqlDatabase::removeDatabase(name);
+    }
+};

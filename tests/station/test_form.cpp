@@ -1,0 +1,357 @@
+// The station form as a worker meets it: creation, options kept per user,
+// the close question, the entry fields' focus rules and the picker.
+#include "grid/goods_text_view.h"
+#include "station/station_fixture.h"
+#include "tiles/goods_list_view.h"
+#include <QCheckBox>
+#include <QLabel>
+#include <QSignalSpy>
+
+namespace {
+
+class ScriptedPicker : public IEmployeePicker {
+public:
+    struct Calls {
+        QStringList texts;
+        QList<EmployeePickResult> results;
+    };
+    explicit ScriptedPicker(std::shared_ptr<Calls> calls) : m_calls(std::move(calls)) {}
+    EmployeePickResult Pick(QWidget*, const QString&, const QString& text) override
+    {
+        m_calls->texts << text;
+        return m_calls->results.isEmpty() ? EmployeePickResult() : m_calls->results.takeFirst();
+    }
+
+private:
+    std::shared_ptr<Calls> m_calls;
+};
+
+EmployeePickResult picked(bool ok, bool detail, const QString& name, int itemId)
+{
+    EmployeePickResult r;
+    r.ReturnOK = ok;
+    r.ReturnObject.Detail = detail;
+    r.ReturnObject.Name = name;
+    r.ReturnObject.Itemid = itemId;
+    return r;
+}
+
+class PrefixLoader : public IResLoader {
+public:
+    void setResDirectory(const QString&) override {}
+    void setResFileBaseName(const QString&) override {}
+    void setLanguageID(const QString&) override {}
+    QString LoadString(const QString& key) override { return QStringLiteral("T:") + key; }
+};
+
+} // namespace
+
+TEST_F(StationFormTest, CreationShowsThePickerAndAnEmptyStation)
+{
+    frmPickigGoods* form = openStation();
+    for (const char* name : {"TxtEmployee", "LblEmployee", "TxtID", "LblID", "TxtItemID", "LblItemID", "TxtNum",
+                             "lblNum", "txtWebshop", "chkBarCode", "chkHaveSerial", "chkShowText", "CmdBtnRePick",
+                             "GoodsListView", "GoodsBigView", "GoodsTextView", "LogList1", "lblOrderNum",
+                             "lblPickedNum", "lblProgress", "LblProgressbar", "lblPickInfo", "lblMessage", "ImgSuccess",
+                             "ImgDefault", "Timer_AutoClear", "fraMain", "PicBack", "PiclistBack", "Label1"})
+        EXPECT_NE(form->findChild<QObject*>(QLatin1String(name)), nullptr) << name;
+    EXPECT_EQ(form->TxtEmployee->text(), QStringLiteral("张伟"));
+    EXPECT_EQ(form->m_EmployeeTag.toInt(), 201);
+    EXPECT_EQ(form->lblPickedNum->text(), QStringLiteral("0/"));
+    EXPECT_EQ(form->lblOrderNum->text(), QStringLiteral("0"));
+    EXPECT_EQ(form->TxtNum->text(), QStringLiteral("1"));
+    EXPECT_EQ(form->lblProgress->width(), 0);
+    EXPECT_TRUE(form->lblMessage->text().isEmpty());
+    EXPECT_FALSE(form->ImgSuccess->isVisible());
+    EXPECT_TRUE(form->CurrentOrderCode.isEmpty());
+    EXPECT_TRUE(form->TxtID->hasFocus());
+    EXPECT_TRUE(form->m_DeliverOnPick);
+    EXPECT_TRUE(form->m_CreateStockBill);
+    // TxtEmployee comes first when tabbing round the form, then the order.
+    form->TxtEmployee->setFocus(Qt::OtherFocusReason);
+    QTest::keyClick(form->TxtEmployee, Qt::Key_Tab);
+    EXPECT_TRUE(form->TxtID->hasFocus());
+    QTest::keyClick(form->TxtID, Qt::Key_Backtab);
+    EXPECT_TRUE(form->TxtEmployee->hasFocus());
+    EXPECT_TRUE(closeStation());
+
+    // A user without an employee, and a company that creates no stock bill.
+    SetDemoSystemProfile(m_db, QStringLiteral("CreateStockBillType"), QStringLiteral("0"));
+    SetDemoSystemProfile(m_db, QStringLiteral("DeliveryWhenWeightedOrPick"), QStringLiteral("2"));
+    publishUser(4);
+    form = openStation();
+    EXPECT_TRUE(form->TxtEmployee->text().isEmpty());
+    EXPECT_EQ(form->m_EmployeeTag.toString(), QString());
+    EXPECT_FALSE(form->m_CreateStockBill);
+    EXPECT_FALSE(form->m_DeliverOnPick);
+    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
+}
+
+TEST_F(StationFormTest, OptionsSurviveARestartPerUser)
+{
+    frmPickigGoods* form = openStation();
+    EXPECT_TRUE(form->chkBarCode->isChecked());
+    EXPECT_FALSE(form->chkHaveSerial->isChecked());
+    EXPECT_FALSE(form->chkShowText->isChecked());
+    EXPECT_FALSE(form->GoodsListView->isHidden());
+    EXPECT_TRUE(form->GoodsTextView->isHidden());
+
+    form->chkBarCode->setChecked(false);
+    form->chkHaveSerial->setChecked(true);
+    QTest::mouseClick(form->chkShowText, Qt::LeftButton, {}, QPoint(8, form->chkShowText->height() / 2));
+    EXPECT_TRUE(form->IsGridView());
+    EXPECT_TRUE(form->GoodsListView->isHidden());
+    EXPECT_FALSE(form->GoodsTextView->isHidden());
+    ASSERT_TRUE(closeStation());
+    EXPECT_TRUE(m_rec->boxes.isEmpty());
+    EXPECT_EQ(dbValue(QStringLiteral("SELECT FValue FROM t_UserProfile WHERE FUserID = 1 AND FKey = 'PickGoods_chkBarCode' "
+                                     "AND FName = 'chkBarCode'")).toString(),
+              QStringLiteral("0"));
+    EXPECT_EQ(dbValue(QStringLiteral("SELECT FValue FROM t_UserProfile WHERE FUserID = 1 AND FKey = 'PickGoods_chkShowText' "
+                                     "AND FName = 'chkShowText'")).toString(),
+              QStringLiteral("1"));
+
+    form = openStation();
+    EXPECT_FALSE(form->chkBarCode->isChecked());
+    EXPECT_TRUE(form->chkHaveSerial->isChecked());
+    EXPECT_TRUE(form->chkShowText->isChecked());
+    EXPECT_TRUE(form->GoodsListView->isHidden());
+    EXPECT_FALSE(form->GoodsTextView->isHidden());
+    ASSERT_TRUE(closeStation());
+
+    // Another user has options of their own.
+    publishUser(2);
+    form = openStation();
+    EXPECT_TRUE(form->chkBarCode->isChecked());
+    EXPECT_FALSE(form->chkHaveSerial->isChecked());
+    EXPECT_FALSE(form->chkShowText->isChecked());
+    ASSERT_TRUE(closeStation());
+
+    // And back: the first user's options, changed again, come back changed.
+    publishUser(1);
+    form = openStation();
+    form->chkBarCode->setChecked(true);
+    form->chkHaveSerial->setChecked(false);
+    QTest::mouseClick(form->chkShowText, Qt::LeftButton, {}, QPoint(8, form->chkShowText->height() / 2));
+    ASSERT_TRUE(closeStation());
+    form = openStation();
+    EXPECT_TRUE(form->chkBarCode->isChecked());
+    EXPECT_FALSE(form->chkHaveSerial->isChecked());
+    EXPECT_FALSE(form->chkShowText->isChecked());
+    EXPECT_FALSE(form->GoodsListView->isHidden());
+}
+
+TEST_F(StationFormTest, ClosingAnUnfinishedOrderAsksAndYesGoesOnChecking)
+{
+    frmPickigGoods* form = openStation();
+    scanInto(form->TxtID, QStringLiteral("10001"));
+    ASSERT_EQ(form->lblOrderNum->text(), QStringLiteral("4"));
+    form->GoodsListView->PickingGoods(0);
+    form->m_PickedNum = 1;
+
+    m_rec->answers.enqueue(MsgBox::Yes);
+    EXPECT_FALSE(closeStation());
+    ASSERT_EQ(m_rec->boxes.size(), 1);
+    const ShownBox question = m_rec->boxes.first();
+    EXPECT_EQ(question.text, LoadResKey(QStringLiteral("irAmUS")) + QStringLiteral("10001未通过，是否继续校验?"));
+    EXPECT_EQ(question.flags, 36);
+    EXPECT_EQ(question.title, QStringLiteral("Velto提示"));
+    // Yes: the same order comes back from the session log, counts and all.
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_EQ(form->TxtID->text(), QStringLiteral("10001"));
+    EXPECT_TRUE(form->m_RestoredFromLog);
+    EXPECT_EQ(form->m_PickedNum, 1);
+    EXPECT_EQ(form->lblPickedNum->text(), QStringLiteral("1/4"));
+    EXPECT_EQ(form->m_MissingNum, 3);
+
+    // No: the station closes, and the order's verdict is in the session log.
+    m_rec->answers.enqueue(MsgBox::No);
+    EXPECT_TRUE(closeStation());
+    EXPECT_EQ(m_rec->boxes.size(), 2);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_TRUE(form->SessionOrderLog.isNone());
+    EXPECT_TRUE(form->m_ArgList.isNone());
+}
+
+TEST_F(StationFormTest, ClosingAsksNothingWithoutAnOrderOrAfterAPass)
+{
+    frmPickigGoods* form = openStation();
+    EXPECT_TRUE(closeStation());
+
+    // After a refusal the station holds "+", no order.
+    form = openStation();
+    scanInto(form->TxtID, QStringLiteral("10003"));
+    ASSERT_EQ(form->CurrentOrderCode, QStringLiteral("+"));
+    EXPECT_TRUE(closeStation());
+
+    // A code that is no order.
+    form = openStation();
+    scanInto(form->TxtID, QStringLiteral("99999"));
+    ASSERT_EQ(form->CurrentOrderCode, QStringLiteral("99999"));
+    EXPECT_TRUE(closeStation());
+
+    // A passed order.
+    form = openStation();
+    scanInto(form->TxtID, QStringLiteral("10003"));
+    scanInto(form->TxtID, QStringLiteral("10019"));
+    ASSERT_EQ(form->lblOrderNum->text(), QStringLiteral("2"));
+    form->GoodsListView->PickingGoods(0);
+    form->GoodsListView->PickingGoods(0);
+    form->m_PickedNum = 2;
+    EXPECT_TRUE(closeStation());
+    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
+
+    // The same order one short does ask.
+    form = openStation();
+    scanInto(form->TxtID, QStringLiteral("10019"));
+    form->GoodsListView->PickingGoods(0);
+    form->m_PickedNum = 1;
+    m_rec->answers.enqueue(MsgBox::No);
+    EXPECT_TRUE(closeStation());
+    EXPECT_EQ(m_rec->boxes.size(), 1);
+}
+
+TEST_F(StationFormTest, EntryFieldsSelectOnFocusEmptyOnClickAndTxtIdShowsTheOrder)
+{
+    frmPickigGoods* form = openStation();
+    scanInto(form->TxtID, QStringLiteral("10001"));
+    ASSERT_TRUE(form->TxtItemID->hasFocus());
+
+    // Tabbing into a field selects all of it.
+    form->TxtNum->setText(QStringLiteral("12"));
+    form->TxtNum->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(form->TxtNum->selectedText(), QStringLiteral("12"));
+    form->TxtID->setFocus(Qt::BacktabFocusReason);
+    EXPECT_EQ(form->TxtID->selectedText(), QStringLiteral("10001"));
+
+    // A click into TxtID empties it; leaving it without a scan shows the order again.
+    QTest::mouseClick(form->TxtID, Qt::LeftButton);
+    EXPECT_TRUE(form->TxtID->text().isEmpty());
+    QTest::keyClicks(form->TxtID, QStringLiteral("777"));
+    EXPECT_EQ(form->TxtID->text(), QStringLiteral("777"));
+    QTest::keyClick(form->TxtID, Qt::Key_Tab);
+    EXPECT_FALSE(form->TxtID->hasFocus());
+    EXPECT_EQ(form->TxtID->text(), QStringLiteral("10001"));
+
+    // The goods and quantity fields empty on a click too.
+    form->TxtItemID->setText(QStringLiteral("6931000010017"));
+    QTest::mouseClick(form->TxtItemID, Qt::LeftButton);
+    EXPECT_TRUE(form->TxtItemID->text().isEmpty());
+    form->TxtNum->setText(QStringLiteral("3"));
+    QTest::mouseClick(form->TxtNum, Qt::LeftButton);
+    EXPECT_TRUE(form->TxtNum->text().isEmpty());
+
+    // A message box taking the window's focus is no leaving of the field.
+    form->TxtID->setFocus(Qt::OtherFocusReason);
+    form->TxtID->setText(QStringLiteral("typed"));
+    QFocusEvent windowLeft(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    QApplication::sendEvent(form->TxtID, &windowLeft);
+    EXPECT_EQ(form->TxtID->text(), QStringLiteral("typed"));
+}
+
+TEST_F(StationFormTest, F7AndDoubleClickOpenTheSamePicker)
+{
+    auto calls = std::make_shared<ScriptedPicker::Calls>();
+    RegisterServerObject(ProgIds::EmployeePicker, [calls] { return std::make_shared<ScriptedPicker>(calls); });
+    frmPickigGoods* form = openStation();
+
+    calls->results << picked(true, true, QStringLiteral("李娜"), 202);
+    QTest::keyClick(form->TxtEmployee, Qt::Key_F7);
+    ASSERT_EQ(calls->texts, QStringList{QStringLiteral("张伟")});
+    EXPECT_EQ(form->TxtEmployee->text(), QStringLiteral("李娜"));
+    EXPECT_EQ(form->m_EmployeeTag.toInt(), 202);
+
+    calls->results << picked(true, true, QStringLiteral("王芳"), 203);
+    QTest::mouseDClick(form->TxtEmployee, Qt::LeftButton);
+    ASSERT_EQ(calls->texts.size(), 2);
+    EXPECT_EQ(calls->texts.last(), QStringLiteral("李娜"));
+    EXPECT_EQ(form->TxtEmployee->text(), QStringLiteral("王芳"));
+    EXPECT_EQ(form->m_EmployeeTag.toInt(), 203);
+
+    // A cancelled pick, or a pick of no single employee, changes nothing.
+    calls->results << picked(false, true, QStringLiteral("刘洋"), 204) << picked(true, false, QStringLiteral("刘洋"), 204);
+    QTest::keyClick(form->TxtEmployee, Qt::Key_F7);
+    QTest::mouseDClick(form->TxtEmployee, Qt::LeftButton);
+    EXPECT_EQ(calls->texts.size(), 4);
+    EXPECT_EQ(form->TxtEmployee->text(), QStringLiteral("王芳"));
+    EXPECT_EQ(form->m_EmployeeTag.toInt(), 203);
+
+    // Other function keys, and F7 elsewhere, open nothing.
+    QTest::keyClick(form->TxtEmployee, Qt::Key_F8);
+    QTest::keyClick(form->TxtID, Qt::Key_F7);
+    EXPECT_EQ(calls->texts.size(), 4);
+
+    // The picker chosen is the one a passed order is saved with.
+    form->SavePickingStatus(QStringLiteral("SF10001"), true);
+    EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/203"));
+    form->SavePickingStatus(QStringLiteral("10001"), false);
+    EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("0/0"));
+}
+
+TEST_F(StationFormTest, MessageBoxesTranslateOnlyTheVeltoTitle)
+{
+    SetHostLanguageCode(QStringLiteral("en"));
+    ResetLanguageCache();
+    RegisterServerObject(ProgIds::ResLoader, [] { return std::make_shared<PrefixLoader>(); });
+    frmPickigGoods* form = openStation();
+    m_rec->boxes.clear();
+
+    m_rec->answers.enqueue(MsgBox::No);
+    EXPECT_EQ(form->ShowMessageBox(QStringLiteral("p"), 36, QStringLiteral("Velto提示")), MsgBox::No);
+    EXPECT_EQ(form->ShowMessageBox(QStringLiteral("q"), 4, QStringLiteral("Other")), MsgBox::Yes);
+    EXPECT_EQ(form->ShowMessageBox(QStringLiteral("r"), 64, QStringLiteral("Velto提示")), MsgBox::Ok);
+    ASSERT_EQ(m_rec->boxes.size(), 3);
+    EXPECT_EQ(m_rec->boxes[0].title, QStringLiteral("T:Velto提示"));
+    EXPECT_EQ(m_rec->boxes[0].text, QStringLiteral("p"));
+    EXPECT_EQ(m_rec->boxes[1].title, QStringLiteral("Other"));
+    EXPECT_EQ(m_rec->boxes[2].flags, 64);
+
+    // Messages to the worker pass through the same lookup.
+    form->SetMessage(QStringLiteral("此单已校验通过"));
+    EXPECT_EQ(form->lblMessage->text(), QStringLiteral("T:此单已校验通过"));
+    form->SetMessage(QString());
+    EXPECT_TRUE(form->lblMessage->text().isEmpty());
+}
+
+TEST(ScanLineEdit, QuotesAndControlCharactersNeverReachTheField)
+{
+    ScanLineEdit field;
+    QSignalSpy enter(&field, &ScanLineEdit::enterPressed);
+    QSignalSpy changed(&field, &QLineEdit::textChanged);
+
+    QTest::keyClicks(&field, QStringLiteral("ab'c"));
+    EXPECT_EQ(field.text(), QStringLiteral("abc"));
+    EXPECT_EQ(changed.count(), 3);   // the quote key is swallowed whole
+    for (char16_t lookAlike : {u'\u2018', u'\u2019', u'\u201B', u'\u2032', u'\u02BC', u'\uFF07'}) {
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(QChar(lookAlike)));
+        QApplication::sendEvent(&field, &key);
+    }
+    EXPECT_EQ(field.text(), QStringLiteral("abc"));
+
+    // Paste, drop and program paths all go through the same filter.
+    field.insert(QStringLiteral("x'y\u2019z"));
+    EXPECT_EQ(field.text(), QStringLiteral("abcxyz"));
+    field.setText(QStringLiteral("1\t2\r\n3\u00004'5\u200B6"));
+    EXPECT_EQ(field.text(), QStringLiteral("123456"));
+    field.setText(QStringLiteral("'''"));
+    EXPECT_TRUE(field.text().isEmpty());
+    // Chinese and ordinary punctuation stay.
+    field.setText(QStringLiteral("订单-01 \"A\""));
+    EXPECT_EQ(field.text(), QStringLiteral("订单-01 \"A\""));
+
+    // The cursor stays where the typing left it.
+    field.setText(QStringLiteral("12"));
+    field.setCursorPosition(1);
+    field.insert(QStringLiteral("'x'"));
+    EXPECT_EQ(field.text(), QStringLiteral("1x2"));
+    EXPECT_EQ(field.cursorPosition(), 2);
+
+    // Enter is a signal, not text; editing keys still edit.
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTest::keyClick(&field, Qt::Key_Enter);
+    EXPECT_EQ(enter.count(), 2);
+    EXPECT_EQ(field.text(), QStringLiteral("1x2"));
+    field.end(false);
+    QTest::keyClick(&field, Qt::Key_Backspace);
+    EXPECT_EQ(field.text(), QStringLiteral("1x"));
+}

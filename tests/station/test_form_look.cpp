@@ -1,0 +1,101 @@
+// What the worker sees from a step away: big numbers, the goods taking the
+// room, the stamp on the goods. Pictures of the station go to the build
+// folder (screenshots/) for a look by eye.
+#include "grid/goods_text_view.h"
+#include "log/log_list.h"
+#include "station/station_fixture.h"
+#include "tiles/goods_big_view.h"
+#include "tiles/goods_list_view.h"
+#include <QCheckBox>
+#include <QDir>
+#include <QImage>
+#include <QLabel>
+
+namespace {
+
+QString screenshotFolder()
+{
+    const QString folder = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QStringLiteral("../screenshots"));
+    QDir().mkpath(folder);
+    return folder;
+}
+
+QRect boxIn(const QWidget* widget, const QWidget* form)
+{
+    return QRect(widget->mapTo(form, QPoint(0, 0)), widget->size());
+}
+
+// The share of an image's pixels close to a colour.
+double shareOf(const QImage& image, const QColor& colour)
+{
+    int near = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor c = image.pixelColor(x, y);
+            if (qAbs(c.red() - colour.red()) + qAbs(c.green() - colour.green()) + qAbs(c.blue() - colour.blue()) < 60)
+                ++near;
+        }
+    return double(near) / double(image.width() * image.height());
+}
+
+} // namespace
+
+TEST_F(StationFormTest, TheStationReadsAtAGlance)
+{
+    frmPickigGoods* form = openStation();
+    form->resize(1366, 860);
+    QApplication::processEvents();
+    scanInto(form->TxtID, QStringLiteral("10001"));
+    scanInto(form->TxtItemID, QStringLiteral("6931000010017"));
+    scanInto(form->TxtItemID, QStringLiteral("6931000010147"));
+    ASSERT_EQ(form->lblPickedNum->text(), QStringLiteral("2/4"));
+    // The goods in hand show the count the scan just made.
+    EXPECT_EQ(form->GoodsBigView->GoodsID(), QStringLiteral("1014"));
+    EXPECT_EQ(form->GoodsBigView->GoodsCheckedCnt(), 1);
+
+    // Numbers for a step away, the goods area the largest part of the window.
+    EXPECT_GE(form->lblOrderNum->font().pointSizeF(), 40.0);
+    EXPECT_GE(form->lblPickedNum->font().pointSizeF(), 40.0);
+    EXPECT_GE(form->TxtID->font().pointSizeF(), 18.0);
+    const QRect goods = boxIn(form->PiclistBack, form);
+    EXPECT_GT(goods.width() * goods.height(), form->width() * form->height() / 3);
+    EXPECT_FALSE(goods.intersects(boxIn(form->LogList1, form)));
+    EXPECT_FALSE(goods.intersects(boxIn(form->GoodsBigView, form)));
+    EXPECT_FALSE(boxIn(form->fraMain, form).intersects(goods));
+    // The bar is half full at 2 of 4, inside its frame.
+    EXPECT_NEAR(form->lblProgress->width(), form->LblProgressbar->width() / 2, 2);
+    EXPECT_EQ(form->lblProgress->parentWidget(), form->LblProgressbar);
+
+    const QImage tiles = form->grab().toImage();
+    ASSERT_FALSE(tiles.isNull());
+    EXPECT_TRUE(tiles.save(screenshotFolder() + QStringLiteral("/station_tiles.png")));
+
+    // The rest of the order: passed, the stamp on the goods.
+    scanInto(form->TxtItemID, QStringLiteral("6931000010086"));
+    scanInto(form->TxtItemID, QStringLiteral("6931000010147"));
+    ASSERT_TRUE(form->ImgSuccess->isVisible());
+    const QRect stamp = boxIn(form->ImgSuccess, form);
+    EXPECT_TRUE(goods.contains(stamp));
+    EXPECT_GE(stamp.width(), 200);
+    const QImage stampImage = form->ImgSuccess->grab().toImage();
+    EXPECT_GT(shareOf(stampImage, QColor(0, 150, 60)), 0.05);   // green ink, not a blank label
+    EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_tiles_passed.png")));
+
+    // The grid view of the same order.
+    QTest::mouseClick(form->chkShowText, Qt::LeftButton, {}, QPoint(8, form->chkShowText->height() / 2));
+    ASSERT_TRUE(form->IsGridView());
+    QApplication::processEvents();
+    // The grid fills the goods area as the tiles did.
+    EXPECT_GE(form->GoodsTextView->width(), form->PiclistBack->width() - 12);
+    EXPECT_GE(form->GoodsTextView->height(), form->PiclistBack->height() - 12);
+    const QImage grid = form->grab().toImage();
+    EXPECT_TRUE(grid.save(screenshotFolder() + QStringLiteral("/station_grid.png")));
+    EXPECT_NE(grid, tiles);
+
+    // A problem shows in red.
+    scanInto(form->TxtID, QStringLiteral("10006"));
+    const QColor red = form->lblMessage->palette().color(QPalette::WindowText);
+    EXPECT_GT(red.red(), 180);
+    EXPECT_LT(red.green(), 60);
+    EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_refused.png")));
+}
