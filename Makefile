@@ -29,6 +29,12 @@ test: deps
 	cd $(TEST_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j 1
 	$(MAKE) --no-print-directory fuzz
 
+# The speed of the station on generated orders (Release build), as a table and JSON.
+bench: deps
+	cmake -S . -B $(RELEASE_DIR) -DCMAKE_BUILD_TYPE=Release -DRNW_TESTS=OFF >/dev/null
+	cmake --build $(RELEASE_DIR) -j $(JOBS) --target rnw_bench
+	QT_QPA_PLATFORM=offscreen $(RELEASE_DIR)/bin/rnw_bench $(BENCH_ARGS)
+
 fuzz-build: deps
 	cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ -DRNW_FUZZ=ON -DRNW_TESTS=OFF >/dev/null
 	cmake --build $(FUZZ_DIR) -j $(JOBS)

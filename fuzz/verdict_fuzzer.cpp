@@ -1,5 +1,6 @@
-// The verdict text: passed exactly when nothing is off, and the order code
-// always leads the text unless it holds one of the replaced words itself.
+// The verdict text: passed exactly when nothing is off, the order code
+// always leads the text unless it holds one of the replaced words itself,
+// and every count that is off is named with its number.
 #include "fuzz_text.h"
 #include "station/verdict.h"
 #include <cstdio>
@@ -21,5 +22,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         FUZZ_CHECK(v.text.startsWith(code));
     if (!v.success && plainCode)
         FUZZ_CHECK(v.text.contains(QStringLiteral("异常")));
+    // Every count that is off is named with its number; the wrong-goods part
+    // is always there, zero included.
+    const auto part = [](const char* word, qint32 n) {
+        return QString::fromUtf8(word) + QString::number(n) + QStringLiteral("件");
+    };
+    if (counts[0] != 0)
+        FUZZ_CHECK(v.text.contains(part("超出", counts[0])));
+    if (counts[1] != 0)
+        FUZZ_CHECK(v.text.contains(part("缺少", counts[1])));
+    FUZZ_CHECK(v.text.contains(part("误拣", counts[2])));
+    if (plainCode && counts[0] == 0)
+        FUZZ_CHECK(!v.text.contains(QStringLiteral("超出")));
+    if (plainCode && counts[1] == 0)
+        FUZZ_CHECK(!v.text.contains(QStringLiteral("缺少")));
     return 0;
 }

@@ -1,6 +1,8 @@
 #include "host/odbc_engine.h"
 #include "host/host_error.h"
 #include "host/props_text.h"
+#include "host/sql_statement_trace.h"
+#include <QElapsedTimer>
 #include <QRegularExpression>
 
 namespace {
@@ -57,9 +59,12 @@ RecordsetPtr OdbcEngine::runBatch(const QString& tsql)
 {
     QSqlQuery query(database());
     query.setForwardOnly(true);
+    QElapsedTimer timer;
+    timer.start();
     if (!query.exec(tsql)) {
         const QSqlError error = query.lastError();
         query = QSqlQuery();
+        SqlStatementTrace::recordStatement(tsql, {}, timer.nsecsElapsed(), -1);
         raise(error);
     }
     // the rows of the last statement that returns any
@@ -68,11 +73,14 @@ RecordsetPtr OdbcEngine::runBatch(const QString& tsql)
         if (query.isSelect())
             result = readRows(query);
     } while (query.nextResult());
+    SqlStatementTrace::recordStatement(tsql, {}, timer.nsecsElapsed(), result ? result->RecordCount() : -1);
     return result ? result : std::make_shared<Recordset>();
 }
 
 RecordsetPtr OdbcEngine::executeBatch(const QString& tsql)
 {
+    // passed unchanged: no bridge time
+    SqlStatementTrace::recordBatch(0);
     if (!writes(tsql))
         return runBatch(tsql);
     RecordsetPtr result;

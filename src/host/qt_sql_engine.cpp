@@ -1,6 +1,8 @@
 #include "host/qt_sql_engine.h"
 #include "host/host_error.h"
+#include "host/sql_statement_trace.h"
 #include <QAtomicInt>
+#include <QElapsedTimer>
 #include <QSqlRecord>
 
 namespace {
@@ -102,6 +104,8 @@ RecordsetPtr QtSqlEngine::readRows(QSqlQuery& query)
 RecordsetPtr QtSqlEngine::runPrepared(const QString& sql, const QVariantList& params)
 {
     QSqlDatabase& db = database();
+    QElapsedTimer timer;
+    timer.start();
     std::shared_ptr<QSqlQuery> query = m_prepared.value(sql);
     if (!query) {
         auto fresh = std::make_shared<QSqlQuery>(db);
@@ -109,6 +113,7 @@ RecordsetPtr QtSqlEngine::runPrepared(const QString& sql, const QVariantList& pa
         if (!fresh->prepare(sql)) {
             const QSqlError error = fresh->lastError();
             fresh.reset();   // no query may outlive a connection that raise() closes
+            SqlStatementTrace::recordStatement(sql, params, timer.nsecsElapsed(), -1);
             raise(error);
         }
         if (m_prepared.size() >= kMaxPrepared)
@@ -122,11 +127,13 @@ RecordsetPtr QtSqlEngine::runPrepared(const QString& sql, const QVariantList& pa
         const QSqlError error = query->lastError();
         query->finish();
         query.reset();
+        SqlStatementTrace::recordStatement(sql, params, timer.nsecsElapsed(), -1);
         raise(error);
     }
     RecordsetPtr rows = query->isSelect() ? readRows(*query) : nullptr;
     // releases the statement's read lock; the text stays prepared
     query->finish();
+    SqlStatementTrace::recordStatement(sql, params, timer.nsecsElapsed(), rows ? rows->RecordCount() : -1);
     return rows;
 }
 
@@ -138,13 +145,22 @@ RecordsetPtr QtSqlEngine::executeBound(const QString& sql, const QVariantList& p
 
 void QtSqlEngine::beginTransaction()
 {
-    if (!database().transaction())
+    QSqlDatabase& db = database();
+    QElapsedTimer timer;
+    timer.start();
+    const bool ok = db.transaction();
+    SqlStatementTrace::recordStatement(QStringLiteral("BEGIN"), {}, timer.nsecsElapsed(), -1);
+    if (!ok)
         raise(m_db.lastError());
 }
 
 void QtSqlEngine::commitTransaction()
 {
-    if (!m_db.commit())
+    QElapsedTimer timer;
+    timer.start();
+    const bool ok = m_db.commit();
+    SqlStatementTrace::recordStatement(QStringLiteral("COMMIT"), {}, timer.nsecsElapsed(), -1);
+    if (!ok)
         raise(m_db.lastError());
 }
 

@@ -1,6 +1,8 @@
 #include "host/sqlite_engine.h"
 #include "host/host_error.h"
+#include "host/sql_statement_trace.h"
 #include "host/tsql_bridge.h"
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -47,7 +49,11 @@ bool SqliteEngine::connectionLost(const QSqlError& error) const
 void SqliteEngine::execPlain(const QString& sql)
 {
     QSqlQuery query(database());
-    if (!query.exec(sql)) {
+    QElapsedTimer timer;
+    timer.start();
+    const bool ok = query.exec(sql);
+    SqlStatementTrace::recordStatement(sql, {}, timer.nsecsElapsed(), -1);
+    if (!ok) {
         const QSqlError error = query.lastError();
         query = QSqlQuery();
         raise(error);
@@ -76,7 +82,15 @@ void SqliteEngine::rollbackTransaction()
 
 RecordsetPtr SqliteEngine::executeBatch(const QString& tsql)
 {
-    std::vector<SqliteStatement> statements = RewriteTsqlForSqlite(tsql);
+    QElapsedTimer bridgeTimer;
+    bridgeTimer.start();
+    std::vector<SqliteStatement> statements;
+    try {
+        statements = RewriteTsqlForSqlite(tsql);
+    } catch (...) {
+        SqlStatementTrace::recordBatch(bridgeTimer.nsecsElapsed());
+        throw;
+    }
     for (SqliteStatement& statement : statements) {
         // every parameter is a string literal: '' is an empty text, and a
         // null QString would bind as SQL NULL
@@ -85,6 +99,7 @@ RecordsetPtr SqliteEngine::executeBatch(const QString& tsql)
                 param = QString(QLatin1String(""));
         }
     }
+    SqlStatementTrace::recordBatch(bridgeTimer.nsecsElapsed());
     RecordsetPtr result;
     auto runAll = [&] {
         for (const SqliteStatement& statement : statements) {
