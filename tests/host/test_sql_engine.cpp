@@ -79,11 +79,11 @@ TEST(ConnectStringMapping, SqliteFormsAndBrokenStrings)
 TEST(ConnectStringMapping, SqlServerThroughFreeTds)
 {
     ConnectionTarget t = MapConnectString(
-        "Provider=SQLOLEDB.1;Persist Security Info=True;Data Source=erp-db01;Initial Catalog=AIS20240101;"
-        "User ID=sa;Password=K3y!;Application Name=RnWDPicking");
+        "Provider=SQLOLEDB.1;Persist Security Info=True;Data Source=erp-db01;Initial Catalog=erpdata01;"
+        "User ID=sa;Password=Pa55w!;Application Name=RnWDPicking");
     EXPECT_EQ(t.kind, ConnectionTarget::Odbc);
     EXPECT_EQ(t.odbcConnectString,
-              "Driver=FreeTDS;Server=erp-db01;Database=AIS20240101;UID=sa;PWD=K3y!;APP=RnWDPicking;ClientCharset=UTF-8;");
+              "Driver=FreeTDS;Server=erp-db01;Database=erpdata01;UID=sa;PWD=Pa55w!;APP=RnWDPicking;ClientCharset=UTF-8;");
     EXPECT_EQ(t.loginTimeoutSeconds, 15);
 
     // port after a comma, a named instance, the local server, a timeout
@@ -109,7 +109,7 @@ TEST(ConnectStringMapping, SqlServerThroughFreeTds)
 
 TEST(ConnectStringMapping, PasswordsAreMaskedEverywhere)
 {
-    EXPECT_EQ(MaskPasswords("Data Source=s;User ID=sa;Password=K3y!;Initial Catalog=db"),
+    EXPECT_EQ(MaskPasswords("Data Source=s;User ID=sa;Password=Pa55w!;Initial Catalog=db"),
               "Data Source=s;User ID=sa;Password=***;Initial Catalog=db");
     EXPECT_EQ(MaskPasswords("UserID=1;ConnectString={Provider=SQLOLEDB;Data Source=s;pwd=abc};Lang=chs;"),
               "UserID=1;ConnectString={Provider=SQLOLEDB;Data Source=s;pwd=***};Lang=chs;");
