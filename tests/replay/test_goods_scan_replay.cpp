@@ -1,6 +1,6 @@
 // Goods scans end to end: the launcher on a fresh demo database, in the tile
 // view and in the grid view.
-#include "replay/replay_harness.h"
+#include "support/replay_harness.h"
 #include <gtest/gtest.h>
 
 namespace {

@@ -1,6 +1,6 @@
 // The launcher end to end: the real station on a fresh demo database, driven
 // by replay scripts, read back from its JSON lines and from the database.
-#include "replay/replay_harness.h"
+#include "support/replay_harness.h"
 #include <QFile>
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Serial picking, its rows on the server, and re-pick, end to end in the tile
 // view and in the grid view.
-#include "replay/replay_harness.h"
+#include "support/replay_harness.h"
 #include <gtest/gtest.h>
 
 namespace {

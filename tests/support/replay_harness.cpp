@@ -1,4 +1,4 @@
-#include "replay/replay_harness.h"
+#include "support/replay_harness.h"
 #include <QAtomicInt>
 #include <QCoreApplication>
 #include <QDir>

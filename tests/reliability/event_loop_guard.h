@@ -1,0 +1,33 @@
+#pragma once
+// Catches what would reach the event loop: while a guard lives, every event
+// that Qt delivers through sendEvent, postEvent or processEvents runs inside
+// a try block, and an exception that leaves a handler is recorded instead of
+// tearing the test program down. QTest's key and mouse clicks call
+// QApplication::notify directly and bypass that hook, so the fixtures send
+// them through run(), which guards them the same way.
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+class EventLoopGuard {
+public:
+    EventLoopGuard();
+    ~EventLoopGuard();
+    EventLoopGuard(const EventLoopGuard&) = delete;
+    EventLoopGuard& operator=(const EventLoopGuard&) = delete;
+
+    // Runs work (a key click, a paste) and records an exception it lets out.
+    void run(const std::function<void()>& work, const QString& what);
+
+    // What escaped so far: "where: description", in order.
+    QStringList escapes() const { return m_escapes; }
+    void clear() { m_escapes.clear(); }
+
+    // The guard that is installed now, or null.
+    static EventLoopGuard* current();
+    void record(const QString& what);
+
+private:
+    QStringList m_escapes;
+    EventLoopGuard* m_previous = nullptr;
+};

@@ -1,0 +1,198 @@
+#pragma once
+// The station under stress: the station fixture (a demo database of its own,
+// recording message boxes and sounds), every host object wrapped by the fault
+// injector, and the event-loop guard around every key, click and paste.
+#include "reliability/event_loop_guard.h"
+#include "reliability/host_fault_injector.h"
+#include "station/station_fixture.h"
+#include "grid/goods_text_view.h"
+#include "log/log_list.h"
+#include "tiles/goods_list_view.h"
+#include <QCheckBox>
+#include <QClipboard>
+#include <QLabel>
+#include <QMimeData>
+#include <QPushButton>
+
+inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
+
+// What a worker sees of the station and what it counts: everything that a
+// refused input must leave as it was.
+struct StationSnapshot {
+    QString currentOrder, orderNum, pickedNum, pickInfo, webshop;
+    qint32 picked = 0, excess = 0, error = 0, missing = 0;
+    bool passed = false;
+    QStringList lines;   // "GoodsID/FEntryID:order/pick/checked/serials"
+    int sessionEntries = 0;
+    QStringList logRows;
+
+    bool operator==(const StationSnapshot&) const = default;
+    QString describe() const
+    {
+        return QStringLiteral("order %1 [%2 %3 %4] picked %5 excess %6 error %7 missing %8 passed %9 lines %10 log %11: %12")
+            .arg(currentOrder, orderNum, pickedNum, pickInfo)
+            .arg(picked)
+            .arg(excess)
+            .arg(error)
+            .arg(missing)
+            .arg(passed)
+            .arg(lines.join(QLatin1Char(' ')))
+            .arg(sessionEntries)
+            .arg(logRows.join(QStringLiteral(" | ")));
+    }
+};
+
+inline std::ostream& operator<<(std::ostream& os, const StationSnapshot& s) { return os << s.describe().toStdString(); }
+
+class ReliabilityStationTest : public StationFormTest {
+protected:
+    void SetUp() override
+    {
+        StationFormTest::SetUp();
+        if (HasFatalFailure())
+            return;
+        m_faults.install();
+    }
+
+    void TearDown() override
+    {
+        // Nothing may have escaped into the event loop, whatever the test did.
+        EXPECT_TRUE(m_guard.escapes().isEmpty()) << m_guard.escapes().join(QLatin1Char('\n')).toStdString();
+        if (m_form && m_form->isVisible())
+            m_guard.run([this] { m_form->closeWithoutAsking(); }, QStringLiteral("close"));
+        StationFormTest::TearDown();
+    }
+
+    frmPickigGoods& open()
+    {
+        frmPickigGoods* form = nullptr;
+        m_guard.run([&] { form = openStation(); }, QStringLiteral("open"));
+        return *form;
+    }
+
+    // A scanner: focus, select, type key by key (any character, one key event
+    // per code point), Enter.
+    void scan(QLineEdit* field, const QString& text)
+    {
+        type(field, text);
+        press(field, Qt::Key_Return);
+    }
+
+    // Typing over the selected text; nothing to type empties the field, as a
+    // worker does with Backspace.
+    void type(QLineEdit* field, const QString& text)
+    {
+        m_guard.run([&] {
+            field->setFocus(Qt::OtherFocusReason);
+            QApplication::processEvents();
+            field->selectAll();
+            if (text.isEmpty() && field->hasSelectedText())
+                QTest::keyClick(field, Qt::Key_Backspace);
+            for (qsizetype i = 0; i < text.size(); ++i) {
+                const qsizetype length = text.at(i).isHighSurrogate() && i + 1 < text.size() ? 2 : 1;
+                const QString one = text.mid(i, length);
+                i += length - 1;
+                const QChar c = one.at(0);
+                const Qt::Key key = c.unicode() < 0x80 && c.isLetterOrNumber() ? Qt::Key(c.toUpper().unicode())
+                    : c == QLatin1Char(' ')                                    ? Qt::Key_Space
+                                                                               : Qt::Key_unknown;
+                QTest::sendKeyEvent(QTest::Click, field, key, one, Qt::NoModifier);
+            }
+        }, QStringLiteral("typing into %1").arg(field->objectName()));
+    }
+
+    void press(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        m_guard.run([&] {
+            QTest::keyClick(widget, key, modifiers);
+            QApplication::processEvents();
+        }, QStringLiteral("key %1 in %2").arg(int(key)).arg(widget->objectName()));
+    }
+
+    // The clipboard and Ctrl+V, into the whole field.
+    void paste(QLineEdit* field, const QString& text, bool enter = true)
+    {
+        m_guard.run([&] {
+            QApplication::clipboard()->setText(text);
+            field->setFocus(Qt::OtherFocusReason);
+            QApplication::processEvents();
+            field->selectAll();
+            QTest::keyClick(field, Qt::Key_V, Qt::ControlModifier);
+        }, QStringLiteral("paste into %1").arg(field->objectName()));
+        if (enter)
+            press(field, Qt::Key_Return);
+    }
+
+    // Text dropped on the field, as from another window.
+    void drop(QLineEdit* field, const QString& text)
+    {
+        m_guard.run([&] {
+            field->setFocus(Qt::OtherFocusReason);
+            field->selectAll();
+            field->del();
+            QMimeData mime;
+            mime.setText(text);
+            const QPointF at = field->rect().center();
+            QDragEnterEvent enter(at.toPoint(), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(field, &enter);
+            QDragMoveEvent move(at.toPoint(), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(field, &move);
+            QDropEvent dropEvent(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(field, &dropEvent);
+            QApplication::processEvents();
+        }, QStringLiteral("drop on %1").arg(field->objectName()));
+    }
+
+    void click(QAbstractButton* button)
+    {
+        m_guard.run([&] {
+            button->click();
+            QApplication::processEvents();
+        }, QStringLiteral("click %1").arg(button->objectName()));
+    }
+
+    QString barcodeOf(int itemId) const
+    {
+        return dbValue(QStringLiteral("SELECT FBarCode FROM t_Barcode WHERE FItemID = ? ORDER BY FID"), {itemId}).toString();
+    }
+
+    StationSnapshot snapshot() const
+    {
+        const frmPickigGoods& f = *m_form;
+        StationSnapshot s;
+        s.currentOrder = f.CurrentOrderCode;
+        s.orderNum = f.lblOrderNum->text();
+        s.pickedNum = f.lblPickedNum->text();
+        s.pickInfo = f.lblPickInfo->text();
+        s.webshop = f.txtWebshop->text();
+        s.picked = f.m_PickedNum;
+        s.excess = f.m_ExcessNum;
+        s.error = f.m_ErrorNum;
+        s.missing = f.m_MissingNum;
+        s.passed = f.ImgSuccess->isVisible();
+        const RecordList lines = GetGoodsLineSet();
+        for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
+            const GoodsRecord l = lines.Item(i);
+            s.lines << QStringLiteral("%1/%2:%3/%4/%5/%6")
+                           .arg(l.GetValue(QStringLiteral("GoodsID")).toString(), l.GetValue(QStringLiteral("FEntryID")).toString(),
+                                l.GetValue(QStringLiteral("GoodsOrderCnt")).toString(), l.GetValue(QStringLiteral("GoodsPickCnt")).toString(),
+                                l.GetValue(QStringLiteral("GoodsCheckedCnt")).toString(), l.GetValue(QStringLiteral("FSeriNum")).toString());
+        }
+        s.sessionEntries = f.SessionOrderLog.isNone() ? -1 : f.SessionOrderLog.Count();
+        s.logRows = f.LogList1->allRowTexts();
+        return s;
+    }
+
+    // Boxes that carry an injected fault, and all box texts since a mark.
+    QStringList faultBoxes() const
+    {
+        QStringList found;
+        for (const ShownBox& box : m_rec->boxes)
+            if (box.text.contains(HostFaultInjector::FaultMarker))
+                found << box.title + QStringLiteral(": ") + box.text;
+        return found;
+    }
+
+    EventLoopGuard m_guard;
+    HostFaultInjector m_faults;
+};

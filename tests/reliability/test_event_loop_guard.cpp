@@ -1,0 +1,70 @@
+// The guard that the other tests rely on: it must see an exception that
+// leaves an event handler, however the event came.
+#include "reliability/event_loop_guard.h"
+#include "host/host_error.h"
+#include <QApplication>
+#include <QEvent>
+#include <QLineEdit>
+#include <QTest>
+#include <gtest/gtest.h>
+#include <stdexcept>
+
+namespace {
+
+class ThrowingObject : public QObject {
+public:
+    bool event(QEvent* e) override
+    {
+        if (e->type() == QEvent::User)
+            throw HostError(HostErrors::Database, QStringLiteral("from a posted event"));
+        if (e->type() == QEvent::Type(QEvent::User + 1))
+            throw std::runtime_error("from a sent event");
+        return QObject::event(e);
+    }
+};
+
+} // namespace
+
+TEST(EventLoopGuard, RecordsWhatLeavesAHandlerByAnyRoute)
+{
+    EventLoopGuard guard;
+    ThrowingObject object;
+    QCoreApplication::postEvent(&object, new QEvent(QEvent::User));
+    QCoreApplication::processEvents();
+    QEvent sent(QEvent::Type(QEvent::User + 1));
+    QCoreApplication::sendEvent(&object, &sent);
+    // QTest hands its clicks to QApplication::notify itself, past the hook.
+    QEvent direct(QEvent::User);
+    guard.run([&] { QCoreApplication::instance()->notify(&object, &direct); }, QStringLiteral("direct"));
+
+    const QStringList escapes = guard.escapes();
+    ASSERT_EQ(escapes.size(), 3) << escapes.join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(escapes[0].contains(QStringLiteral("from a posted event")));
+    EXPECT_TRUE(escapes[1].contains(QStringLiteral("from a sent event")));
+    EXPECT_TRUE(escapes[2].startsWith(QStringLiteral("direct: HostError")));
+
+    // Events that throw nothing are delivered as before, and count nothing.
+    guard.clear();
+    QLineEdit plain;
+    guard.run([&] { QTest::keyClicks(&plain, QStringLiteral("ok")); }, QStringLiteral("typing"));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(plain.text(), QStringLiteral("ok"));
+    EXPECT_TRUE(guard.escapes().isEmpty());
+}
+
+TEST(EventLoopGuard, NestsAndUninstallsItself)
+{
+    ThrowingObject object;
+    {
+        EventLoopGuard outer;
+        {
+            EventLoopGuard inner;
+            QEvent sent(QEvent::Type(QEvent::User + 1));
+            QCoreApplication::sendEvent(&object, &sent);
+            EXPECT_EQ(inner.escapes().size(), 1);
+        }
+        EXPECT_EQ(EventLoopGuard::current(), &outer);
+        EXPECT_TRUE(outer.escapes().isEmpty());
+    }
+    EXPECT_EQ(EventLoopGuard::current(), nullptr);
+}

@@ -1,0 +1,383 @@
+// Every host call of a station session fails once in turn: the station never
+// lets an exception out, says what failed where the worker is told of
+// failures, keeps the database consistent, and takes the next order as if
+// nothing had happened.
+#include "reliability/reliability_station.h"
+#include <QRegularExpression>
+#include <QSet>
+
+namespace {
+
+const QString kTitle = QStringLiteral("Velto提示");
+
+// Calls whose failure the station rides over without a box: a prompt that
+// does not sound, a picture that does not show, a text or font that stays
+// as written.
+bool isSilentSite(const QString& key)
+{
+    return key.startsWith(ProgIds::Sound + QLatin1Char('.')) || key.startsWith(ProgIds::AccessoryView + QLatin1Char('.'))
+        || key.startsWith(ProgIds::Zip + QLatin1Char('.')) || key.startsWith(ProgIds::ResLoader + QLatin1Char('.'))
+        || key.startsWith(ProgIds::FrmResLoader + QLatin1Char('.'));
+}
+
+// A call site: the operation and, for statements, the statement with its
+// scanned values masked, so that the same code line scanning another order is
+// the same site while the two company settings stay two sites.
+QString siteOf(const HostCall& call)
+{
+    // The status write of a load (0) and of a pass (1); each prompt; each
+    // profile key.
+    if (call.key.endsWith(QStringLiteral(".SavePickingGoods")))
+        return call.key + QStringLiteral(" status ") + call.detail.section(QLatin1Char('='), -1);
+    if (call.key.startsWith(ProgIds::Sound) || call.key.startsWith(ProgIds::UserProfile))
+        return call.key + QLatin1Char(' ') + call.detail;
+    if (!call.key.endsWith(QStringLiteral(".ExecuteSQL")) && !call.key.endsWith(QStringLiteral(".GetSingleSQLData")))
+        return call.key;
+    QStringList literals;
+    QString shape;
+    if (!SplitTsqlLiterals(call.detail, &literals, &shape))
+        return call.key + QStringLiteral(" (unparsed)");
+    // Masked literals are those with a digit (codes); words like 'EC' stay.
+    QString site = call.detail;
+    for (const QString& literal : literals)
+        if (literal.contains(QRegularExpression(QStringLiteral("\\d"))))
+            site.replace(QLatin1Char('\'') + literal + QLatin1Char('\''), QStringLiteral("'?'"));
+    return call.key + QLatin1Char(' ') + site.simplified();
+}
+
+} // namespace
+
+class FaultInjectionTest : public ReliabilityStationTest {
+protected:
+    // The session every fault is injected into: barcode order, goods of
+    // another order, a typed quantity, a pass with delivery, a refusal, a
+    // serial order that passes with its serial rows, re-pick, one more scan.
+    // Returns before the close.
+    void runSessionUpToClose()
+    {
+        frmPickigGoods& f = open();
+        scan(f.TxtID, QStringLiteral("10001"));
+        scan(f.TxtItemID, m_barcodes[1001]);
+        scan(f.TxtItemID, QStringLiteral("6931000010130"));
+        scan(f.TxtItemID, m_barcodes[1008]);
+        type(f.TxtItemID, m_barcodes[1014]);
+        scan(f.TxtNum, QStringLiteral("2"));
+        click(f.chkHaveSerial);   // scans 10001 again: verified now, refused
+        scan(f.TxtID, QStringLiteral("10021"));
+        for (const char* serial : {"W1-0001", "W1-0002", "PAD-0001"})
+            scan(f.TxtItemID, QString::fromLatin1(serial));
+        click(f.chkHaveSerial);   // back to barcodes: 10021 is refused now
+        scan(f.TxtID, QStringLiteral("10001"));
+        click(f.CmdBtnRePick);
+        scan(f.TxtItemID, m_barcodes[1001]);
+    }
+
+    // The close question of the unfinished order is answered No.
+    bool closeSession()
+    {
+        m_rec->answers.enqueue(MsgBox::No);
+        bool closed = false;
+        m_guard.run([&] { closed = closeStation(); }, QStringLiteral("close"));
+        return closed;
+    }
+
+    // The next order on this station, all its goods, the pass on the server.
+    // Delivery follows the company settings, read when the station opens: a
+    // station that could not read them does not deliver.
+    void expectNextOrderPasses(const std::string& after, bool delivers = true)
+    {
+        SCOPED_TRACE(after);
+        frmPickigGoods& f = *m_form;
+        if (f.chkHaveSerial->isChecked())
+            click(f.chkHaveSerial);
+        scan(f.TxtID, QStringLiteral("10018"));
+        ASSERT_EQ(f.lblOrderNum->text(), QStringLiteral("3"));
+        for (int item : {1002, 1015, 1018})
+            scan(f.TxtItemID, m_barcodes[item]);
+        EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("3/3"));
+        EXPECT_TRUE(f.ImgSuccess->isVisible());
+        EXPECT_TRUE(pickingOf(QStringLiteral("10018")).startsWith(QStringLiteral("1/")));
+        EXPECT_EQ(dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FUniqueCode = '10018'")).toInt(),
+                  delivers ? 1 : 0);
+    }
+
+    // The serial rows of an order: all of them or none, never some.
+    void expectSerialRowsAllOrNothing(const std::string& after)
+    {
+        const int rows = dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ErpOrderSerial s JOIN IC_Web2ERPOrdersEntry e "
+                                                "ON e.FEntryID = s.FEntryID JOIN IC_Web2ERPOrders o ON o.FID = e.FID "
+                                                "WHERE o.FUniqueCode = '10021'"))
+                             .toInt();
+        EXPECT_TRUE(rows == 0 || rows == 3) << after << ": " << rows << " serial rows";
+    }
+
+    // The database as it was made, no station, no engine, no order state.
+    void freshDatabase()
+    {
+        m_form.reset();
+        SqlEngine::closeAll();
+        ResetSessionState();
+        ResetHostSession();
+        ResetLanguageCache();
+        QFile::remove(m_db);
+        ASSERT_TRUE(QFile::copy(pristineDatabase(), m_db));
+        QFile::setPermissions(m_db, QFile::ReadOwner | QFile::WriteOwner);
+        m_rec->boxes.clear();
+        m_rec->answers.clear();
+        m_faults.disarm();
+        m_faults.resetCounts();
+    }
+
+    static int failuresSoFar()
+    {
+        return ::testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+    }
+
+    void loadBarcodes()
+    {
+        for (int item : {1001, 1002, 1008, 1014, 1015, 1018})
+            m_barcodes[item] = barcodeOf(item);
+    }
+
+    QHash<int, QString> m_barcodes;
+};
+
+TEST_F(FaultInjectionTest, TheSessionWithoutFaultsReachesEveryKindOfCall)
+{
+    loadBarcodes();
+    runSessionUpToClose();
+    frmPickigGoods& f = *m_form;
+    // 10021 passed with its serial rows; 10001 is back on the station after re-pick.
+    EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("1/201"));
+    expectSerialRowsAllOrNothing("clean run");
+    EXPECT_EQ(dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ErpOrderSerial")).toInt(), 3);
+    EXPECT_EQ(f.CurrentOrderCode, QStringLiteral("10001"));
+    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("1/4"));
+    EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("0/0"));
+    EXPECT_TRUE(closeSession());
+    EXPECT_TRUE(m_rec->boxes.size() == 1 && m_rec->boxes[0].flags == (MsgBox::YesNo | MsgBox::Question))
+        << boxTexts().join(QLatin1Char('\n')).toStdString();
+
+    QSet<QString> keys;
+    for (const HostCall& c : m_faults.calls())
+        keys.insert(c.key);
+    for (const QString& expected :
+         {HostFaultInjector::key(ProgIds::GetData, "ExecuteSQL"), HostFaultInjector::key(ProgIds::GetData, "CheckReturnBills"),
+          HostFaultInjector::key(ProgIds::SaveData, "SavePickingGoods"), HostFaultInjector::key(ProgIds::SaveData, "UpdateDeliveryData"),
+          HostFaultInjector::key(ProgIds::WebOrderInfo, "GetSingleSQLData"), HostFaultInjector::key(ProgIds::UserProfile, "LoadUserProfile"),
+          HostFaultInjector::key(ProgIds::UserProfile, "SaveUserProfile"), HostFaultInjector::key(ProgIds::AccessoryView, "GetID"),
+          HostFaultInjector::key(ProgIds::Zip, "DeCompress"), HostFaultInjector::key(ProgIds::Sound, "Play")})
+        EXPECT_TRUE(keys.contains(expected)) << expected.toStdString();
+}
+
+TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
+{
+    loadBarcodes();
+    // First a clean run lists the call sites, in the order they come.
+    runSessionUpToClose();
+    const int beforeClose = m_faults.calls().size();
+    ASSERT_TRUE(closeSession());
+    const QList<HostCall> clean = m_faults.calls();
+
+    struct Site {
+        QString name;
+        QString key;
+        int number;
+        bool atClose;
+    };
+    // The first and the last call of each site (the order scan and the pass
+    // read the same header, a load and a pass write the same status).
+    QList<Site> sites;
+    QHash<QString, int> last;
+    for (int i = 0; i < clean.size(); ++i) {
+        const QString name = siteOf(clean[i]);
+        if (!last.contains(name))
+            sites.append({name, clean[i].key, clean[i].number, i >= beforeClose});
+        last.insert(name, i);
+    }
+    for (const Site& first : QList<Site>(sites)) {
+        const int i = last.value(first.name);
+        if (clean[i].number != first.number)
+            sites.append({first.name, clean[i].key, clean[i].number, i >= beforeClose});
+    }
+    ASSERT_GE(sites.size(), 30) << "too few call sites: the session no longer reaches them";
+
+    int survived = 0;
+    for (const Site& site : sites) {
+        const std::string trace = site.name.left(140).toStdString() + " #" + std::to_string(site.number);
+        SCOPED_TRACE(trace);
+        const int failuresBefore = failuresSoFar();
+        freshDatabase();
+        m_faults.arm(site.key, site.number);
+
+        runSessionUpToClose();
+        std::printf("  fault at %s #%d\n", qPrintable(site.name.left(110)), site.number);
+        const bool firedBeforeClose = !m_faults.failures().isEmpty();
+        const bool settingLost = site.name.contains(QStringLiteral("t_SystemProfile"));
+        EXPECT_EQ(firedBeforeClose, !site.atClose);
+        if (firedBeforeClose) {
+            m_faults.disarm();
+            expectNextOrderPasses("the next order on the same station", !settingLost);
+            closeSession();
+        } else {
+            closeSession();
+            EXPECT_FALSE(m_faults.failures().isEmpty()) << "the armed call never came";
+            m_faults.disarm();
+            m_form.reset();
+            open();
+            expectNextOrderPasses("the next order on a reopened station");
+            m_guard.run([this] { m_form->closeWithoutAsking(); }, QStringLiteral("close"));
+        }
+
+        EXPECT_TRUE(m_guard.escapes().isEmpty()) << m_guard.escapes().join(QLatin1Char('\n')).toStdString();
+        m_guard.clear();
+        const QStringList boxes = faultBoxes();
+        if (isSilentSite(site.key)) {
+            EXPECT_TRUE(boxes.isEmpty()) << boxes.join(QLatin1Char('\n')).toStdString();
+        } else {
+            // One box names the failure; it is titled as every error box is.
+            EXPECT_EQ(boxes.size(), 1) << boxTexts().join(QLatin1Char('\n')).toStdString();
+            for (const ShownBox& box : m_rec->boxes)
+                if (box.text.contains(HostFaultInjector::FaultMarker))
+                    EXPECT_EQ(box.title, kTitle);
+        }
+        expectSerialRowsAllOrNothing(trace);
+        const QString statuses = dbValue(QStringLiteral("SELECT group_concat(IFNULL(FPIckingGoodsStatus,'n'), '') FROM IC_Web2ERPOrders "
+                                                        "WHERE FUniqueCode IN ('10001','10021','10018')"))
+                                     .toString();
+        EXPECT_FALSE(statuses.contains(QRegularExpression(QStringLiteral("[^01]")))) << statuses.toStdString();
+        if (failuresSoFar() == failuresBefore)
+            ++survived;
+    }
+    RecordProperty("sites", int(sites.size()));
+    std::printf("fault injection: %d call sites failed in turn, %d survived\n", int(sites.size()), survived);
+    EXPECT_EQ(survived, sites.size());
+}
+
+TEST_F(FaultInjectionTest, ObjectsThatCannotBeCreatedAreReportedLikeFailingCalls)
+{
+    loadBarcodes();
+    for (const QString& progId : {ProgIds::GetData, ProgIds::SaveData, ProgIds::WebOrderInfo, ProgIds::UserProfile}) {
+        SCOPED_TRACE(progId.toStdString());
+        freshDatabase();
+        m_faults.armCreation(progId, 1);
+        runSessionUpToClose();
+        const QString cannot = QStringLiteral("can't create object: ") + progId;
+        int named = 0;
+        for (const ShownBox& box : m_rec->boxes)
+            named += box.text.contains(cannot) ? 1 : 0;
+        EXPECT_EQ(named, 1) << boxTexts().join(QLatin1Char('\n')).toStdString();
+        m_faults.disarm();
+        expectNextOrderPasses("after the object came back");
+        m_guard.run([this] { m_form->closeWithoutAsking(); }, QStringLiteral("close"));
+    }
+}
+
+TEST_F(FaultInjectionTest, AFailureInTheMiddleOfAnOrderKeepsWhatWasCounted)
+{
+    loadBarcodes();
+    frmPickigGoods& f = open();
+    scan(f.TxtID, QStringLiteral("10001"));
+    scan(f.TxtItemID, m_barcodes[1001]);
+    const StationSnapshot counted = snapshot();
+    ASSERT_EQ(counted.pickedNum, QStringLiteral("1/4"));
+    const QString executeSql = HostFaultInjector::key(ProgIds::GetData, "ExecuteSQL");
+    const QString header = HostFaultInjector::key(ProgIds::WebOrderInfo, "GetSingleSQLData");
+
+    struct Case {
+        const char* what;
+        QString key;
+        QLineEdit* field;
+        QString code;
+    };
+    const QList<Case> cases{
+        {"barcode lookup of a goods scan", executeSql, f.TxtItemID, m_barcodes[1008]},
+        {"order lookup of a code that is no goods", header, f.TxtItemID, QStringLiteral("6930000000000")},
+        {"verdict of the order being left", executeSql, f.TxtID, QStringLiteral("10018")},
+        {"typed quantity's goods scan", executeSql, f.TxtNum, QStringLiteral("2")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        m_rec->boxes.clear();
+        m_faults.arm(c.key, m_faults.count(c.key) + 1);
+        if (c.field == f.TxtNum)
+            type(f.TxtItemID, m_barcodes[1014]);
+        scan(c.field, c.code);
+        EXPECT_EQ(faultBoxes().size(), 1) << boxTexts().join(QLatin1Char('\n')).toStdString();
+        EXPECT_EQ(snapshot(), counted);
+        EXPECT_EQ(f.TxtNum->text(), QStringLiteral("1"));
+    }
+
+    // Nothing was lost: the rest of the order passes as if no call had failed.
+    m_rec->boxes.clear();
+    for (int item : {1008, 1014, 1014})
+        scan(f.TxtItemID, m_barcodes[item]);
+    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("4/4"));
+    EXPECT_TRUE(f.ImgSuccess->isVisible());
+    EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/201"));
+    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
+}
+
+TEST_F(FaultInjectionTest, SavesThatFailAtThePassAreReportedAndTheOrderStaysPassed)
+{
+    loadBarcodes();
+    frmPickigGoods& f = open();
+    scan(f.TxtID, QStringLiteral("10018"));
+    scan(f.TxtItemID, m_barcodes[1002]);
+    scan(f.TxtItemID, m_barcodes[1015]);
+    const QString save = HostFaultInjector::key(ProgIds::SaveData, "SavePickingGoods");
+    const QString deliver = HostFaultInjector::key(ProgIds::SaveData, "UpdateDeliveryData");
+    m_faults.arm(save, m_faults.count(save) + 1);
+    m_faults.arm(deliver, m_faults.count(deliver) + 1);
+    scan(f.TxtItemID, m_barcodes[1018]);
+
+    // Two boxes, one per failed save; the worker still sees the pass.
+    EXPECT_EQ(faultBoxes().size(), 2) << boxTexts().join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(f.ImgSuccess->isVisible());
+    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("3/3"));
+    ASSERT_EQ(f.SessionOrderLog.Count(), 1);
+    EXPECT_TRUE(f.SessionOrderLog.Item(0).GetValue(QStringLiteral("bSuccess")).toBool());
+    // The server never heard of the pass: the order can be verified again.
+    EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("0/0"));
+    EXPECT_EQ(dbValue(QStringLiteral("SELECT IFNULL(FDeliveryStatus, 0) FROM IC_Web2ERPOrders WHERE FUniqueCode = '10018'")).toInt(), 0);
+
+    click(f.CmdBtnRePick);
+    m_rec->boxes.clear();
+    for (int item : {1002, 1015, 1018})
+        scan(f.TxtItemID, m_barcodes[item]);
+    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("1/201"));
+    EXPECT_EQ(dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FUniqueCode = '10018'")).toInt(), 1);
+}
+
+TEST_F(FaultInjectionTest, ThePropertyStringThatCannotBeFetchedEndsOnlyTheHandlerThatAskedForIt)
+{
+    loadBarcodes();
+    const QString getProperty = HostFaultInjector::key(ProgIds::ShareProps, "GetProperty");
+    runSessionUpToClose();
+    closeSession();
+    const int calls = m_faults.count(getProperty);
+    ASSERT_GT(calls, 40) << "every middle-tier call fetches the property string afresh";
+
+    // Every fifth fetch of the session fails in turn.
+    std::printf("property string: %d fetches in the session, every fifth failed in turn\n", calls);
+    for (int n = 1; n <= calls; n += 5) {
+        SCOPED_TRACE("fetch #" + std::to_string(n));
+        freshDatabase();
+        m_faults.arm(getProperty, n);
+        runSessionUpToClose();
+        const bool fired = !m_faults.failures().isEmpty();
+        m_faults.disarm();
+        if (fired) {
+            EXPECT_EQ(faultBoxes().size(), 1) << boxTexts().join(QLatin1Char('\n')).toStdString();
+            // A fetch that failed before the company settings were read leaves them off.
+            int settingsRead = 0;
+            for (const HostCall& call : m_faults.callsOf(QStringLiteral(".ExecuteSQL")))
+                settingsRead += call.detail.contains(QStringLiteral("t_SystemProfile")) ? 1 : 0;
+            expectNextOrderPasses("after a failed fetch", settingsRead == 2);
+        }
+        m_guard.run([this] { m_form->closeWithoutAsking(); }, QStringLiteral("close"));
+        EXPECT_TRUE(m_guard.escapes().isEmpty()) << m_guard.escapes().join(QLatin1Char('\n')).toStdString();
+        expectSerialRowsAllOrNothing("fetch #" + std::to_string(n));
+    }
+}

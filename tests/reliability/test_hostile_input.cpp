@@ -1,0 +1,379 @@
+// Hostile input through the real widgets: typed key by key, pasted with
+// Ctrl+V, dropped. Whatever comes in, every statement the station sends keeps
+// the scanned code inside one quoted literal, the worker gets a clear message
+// (or nothing happens, where an empty scan means nothing), and a refused input
+// leaves the order's counts exactly as they were.
+#include "host/sql_statement_trace.h"
+#include "reliability/reliability_station.h"
+#include <QElapsedTimer>
+
+namespace {
+
+const QString kMarker = QStringLiteral("Zq7");
+const QString kUnknownGoods = QStringLiteral("找不到相应的发货单或商品");
+const QString kUnknownOrder = QStringLiteral("找不到物流单号/唯一码/商品条码/序列号");
+const QString kNotNumeric = QStringLiteral("商品数量只能为数值！");
+
+struct Payload {
+    const char* name;
+    QString text;
+};
+
+QString nonBmp(char32_t codePoint) { return QString::fromUcs4(&codePoint, 1); }
+
+// Each holds the marker, so the statements that carry it can be found.
+QList<Payload> hostilePayloads()
+{
+    return {
+        {"quotes", kMarker + QStringLiteral("' OR '1'='1")},
+        {"quote look-alikes", kMarker + QStringLiteral("\u2019; drop table t_ICItem; \u2018\u02BC\uFF07\u2032\u201B")},
+        {"control and format characters", kMarker + QStringLiteral("\u0001\u0002\t\r\n\u007F\u200B\u202E\u2028\u2029\uFEFFend")},
+        {"comment markers", kMarker + QStringLiteral(" -- x /* y */ z")},
+        {"statement separator", kMarker + QStringLiteral("; delete from IC_Web2ERPOrders; select 1")},
+        {"non-BMP characters", kMarker + nonBmp(0x1F600) + nonBmp(0x20000) + QStringLiteral("end") + nonBmp(0x2A6D6)},
+        {"wildcards and brackets", kMarker + QStringLiteral("%_[a-z]^\\\"")},
+        {"blanks around", QStringLiteral("   ") + kMarker + QStringLiteral("  x  ")},
+        {"CJK and full-width", kMarker + QStringLiteral("商品１２３＃")},
+        {"very long", kMarker + QString(9997, QLatin1Char('A'))},
+    };
+}
+
+// What the field keeps of a text: the station's own rule, written out here
+// independently of the field: no quote or look-alike, no control or format
+// character, no line or paragraph separator, no surrogate.
+QString keptOf(const QString& text)
+{
+    static const QString lookAlikes = QStringLiteral("'\u2018\u2019\u201B\u2032\u02BC\uFF07");
+    QString kept;
+    for (QChar c : text) {
+        if (lookAlikes.contains(c) || c.isSurrogate())
+            continue;
+        const QChar::Category cat = c.category();
+        if (cat == QChar::Other_Control || cat == QChar::Other_Format || cat == QChar::Separator_Line
+            || cat == QChar::Separator_Paragraph)
+            continue;
+        kept += c;
+    }
+    return kept;
+}
+
+QString trimBlanks(const QString& text)
+{
+    qsizetype start = 0, end = text.size();
+    while (start < end && text.at(start).isSpace())
+        ++start;
+    while (end > start && text.at(end - 1).isSpace())
+        --end;
+    return text.mid(start, end - start);
+}
+
+} // namespace
+
+class HostileInputTest : public ReliabilityStationTest {
+protected:
+    void SetUp() override
+    {
+        ReliabilityStationTest::SetUp();
+        SqlStatementTrace::reset();
+        SqlStatementTrace::setCapturing(true);
+    }
+
+    void TearDown() override
+    {
+        SqlStatementTrace::setCapturing(false);
+        SqlStatementTrace::takeCaptured();
+        ReliabilityStationTest::TearDown();
+    }
+
+    enum class Path { Typed, Pasted, Dropped };
+
+    void enter(QLineEdit* field, const QString& text, Path path)
+    {
+        switch (path) {
+        case Path::Typed:
+            scan(field, text);
+            break;
+        case Path::Pasted:
+            paste(field, text);
+            break;
+        case Path::Dropped:
+            drop(field, text);
+            press(field, Qt::Key_Return);
+            break;
+        }
+    }
+
+    // Every statement sent since the last call, at the middle tier (T-SQL) and
+    // at the database (after the bridge), carries the code as one literal or
+    // one bound value, whole.
+    void expectCodeStaysOneLiteral(const QString& code, const std::string& trace)
+    {
+        SCOPED_TRACE(trace);
+        int carried = 0;
+        for (const HostCall& call : m_faults.calls().mid(m_seenCalls)) {
+            if (!call.key.endsWith(QStringLiteral(".ExecuteSQL")) && !call.key.endsWith(QStringLiteral(".GetSingleSQLData")))
+                continue;
+            QStringList literals;
+            QString shape;
+            ASSERT_TRUE(SplitTsqlLiterals(call.detail, &literals, &shape)) << "a literal left open: " << call.detail.left(300).toStdString();
+            EXPECT_FALSE(shape.contains(kMarker)) << "the code outside its quotes: " << shape.left(400).toStdString();
+            for (const QString& literal : literals) {
+                EXPECT_FALSE(literal.contains(QLatin1Char('\''))) << literal.left(200).toStdString();
+                if (literal.contains(kMarker)) {
+                    EXPECT_EQ(literal, code);
+                    ++carried;
+                }
+            }
+        }
+        m_seenCalls = m_faults.calls().size();
+        for (const SqlTraceStatement& statement : SqlStatementTrace::takeCaptured()) {
+            EXPECT_FALSE(statement.sql.contains(kMarker)) << statement.sql.left(400).toStdString();
+            for (const QVariant& value : statement.params)
+                if (value.toString().contains(kMarker))
+                    EXPECT_EQ(value.toString(), code);
+        }
+        if (!code.isEmpty())
+            EXPECT_GT(carried, 0) << "the code never reached a statement";
+    }
+
+    void skipCallsSoFar()
+    {
+        m_seenCalls = m_faults.calls().size();
+        SqlStatementTrace::takeCaptured();
+    }
+
+    int tableCount() const { return dbValue(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'table'")).toInt(); }
+
+    int m_seenCalls = 0;
+};
+
+TEST_F(HostileInputTest, NoCharacterThatCouldEndALiteralReachesAField)
+{
+    frmPickigGoods& f = open();
+    QStringList broken;
+    int refusedInBmp = 0;
+    // Laying out every script of Unicode makes the font database talk.
+    const QtMessageHandler previous = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    for (char32_t cp = 1; cp <= 0x10FFFF; cp += cp < 0x10000 ? 1 : 61) {
+        if (cp >= 0xD800 && cp <= 0xDFFF)
+            continue;   // halves come in below, alone
+        const QString one = QString::fromUcs4(&cp, 1);
+        const QString text = QStringLiteral("a") + one + QStringLiteral("b");
+        f.TxtItemID->setText(text);
+        const QString byText = f.TxtItemID->text();
+        f.TxtItemID->clear();
+        f.TxtItemID->insert(text);
+        const QString byInsert = f.TxtItemID->text();
+        if (byText != keptOf(text) || byInsert != keptOf(text))
+            broken << QStringLiteral("U+%1 -> %2 / %3").arg(quint32(cp), 4, 16, QLatin1Char('0')).arg(byText, byInsert);
+        refusedInBmp += cp < 0x10000 && byText.size() == 2 ? 1 : 0;
+    }
+    qInstallMessageHandler(previous);
+    // A lone half of a surrogate pair, as a broken scanner might send it.
+    for (QChar half : {QChar(0xD83D), QChar(0xDE00)}) {
+        f.TxtItemID->setText(QStringLiteral("a") + half + QStringLiteral("b"));
+        if (f.TxtItemID->text() != QStringLiteral("ab"))
+            broken << QStringLiteral("lone surrogate kept");
+    }
+    EXPECT_TRUE(broken.isEmpty()) << broken.mid(0, 20).join(QLatin1Char('\n')).toStdString();
+    // In the basic plane the quote family and the control and format
+    // characters go, not more than that (beyond it every character goes: a
+    // scanner sends none of them).
+    EXPECT_GT(refusedInBmp, 60);
+    EXPECT_LT(refusedInBmp, 200);
+
+    // Typed keys: the quote key and its look-alikes never show, whatever the field.
+    for (ScanLineEdit* field : {f.TxtEmployee, f.TxtID, f.TxtItemID, f.TxtNum}) {
+        type(field, QStringLiteral("1'2\u20193\uFF074"));
+        EXPECT_EQ(field->text(), QStringLiteral("1234")) << field->objectName().toStdString();
+    }
+}
+
+TEST_F(HostileInputTest, HostileGoodsCodesAreAnsweredAndCountNothing)
+{
+    frmPickigGoods& f = open();
+    scan(f.TxtID, QStringLiteral("10001"));
+    scan(f.TxtItemID, barcodeOf(1001));
+    const StationSnapshot counted = snapshot();
+    ASSERT_EQ(counted.pickedNum, QStringLiteral("1/4"));
+    const int tables = tableCount();
+
+    for (bool serial : {false, true}) {
+        if (serial != f.chkHaveSerial->isChecked()) {
+            click(f.chkHaveSerial);
+            scan(f.TxtID, QStringLiteral("10001"));   // the order comes back from the session log
+        }
+        const StationSnapshot before = snapshot();
+        ASSERT_EQ(before.lines, counted.lines);
+        for (const Payload& p : hostilePayloads()) {
+            for (Path path : {Path::Typed, Path::Pasted, Path::Dropped}) {
+                const std::string trace = std::string(p.name) + (serial ? " serial" : " barcode") + " path " + std::to_string(int(path));
+                SCOPED_TRACE(trace);
+                if (path == Path::Typed && p.text.size() > 1000)
+                    continue;   // the long code is pasted and dropped here, and typed by the replay
+                skipCallsSoFar();
+                m_rec->voices.clear();
+                m_rec->boxes.clear();
+                f.SetMessage(QString());
+                enter(f.TxtItemID, p.text, path);
+                const QString code = trimBlanks(keptOf(p.text));
+                EXPECT_EQ(f.lblMessage->text(), kUnknownGoods);
+                EXPECT_EQ(m_rec->voices, QStringList{QStringLiteral("\\voice\\findGoods.wav")});
+                EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
+                EXPECT_EQ(snapshot(), before);
+                EXPECT_EQ(f.TxtNum->text(), QStringLiteral("1"));
+                EXPECT_TRUE(f.TxtItemID->hasFocus());
+                expectCodeStaysOneLiteral(code, trace);
+            }
+        }
+    }
+    EXPECT_EQ(tableCount(), tables);
+
+    // A real barcode with a quote around it is that barcode: the quote is just gone.
+    click(f.chkHaveSerial);
+    scan(f.TxtID, QStringLiteral("10001"));
+    paste(f.TxtItemID, QStringLiteral("'") + barcodeOf(1008) + QStringLiteral("\u2019"));
+    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("2/4"));
+}
+
+TEST_F(HostileInputTest, HostileOrderCodesAreNotFoundAndTheOrderLeftComesBackWhole)
+{
+    frmPickigGoods& f = open();
+    scan(f.TxtID, QStringLiteral("10001"));
+    scan(f.TxtItemID, barcodeOf(1001));
+    scan(f.TxtItemID, barcodeOf(1014));
+    const StationSnapshot counted = snapshot();
+    const int tables = tableCount();
+    const int orders = dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ERPOrders")).toInt();
+
+    for (const Payload& p : hostilePayloads()) {
+        for (Path path : {Path::Typed, Path::Pasted}) {
+            const std::string trace = std::string(p.name) + " path " + std::to_string(int(path));
+            SCOPED_TRACE(trace);
+            if (path == Path::Typed && p.text.size() > 1000)
+                continue;
+            skipCallsSoFar();
+            m_rec->boxes.clear();
+            enter(f.TxtID, p.text, path);
+            const QString code = trimBlanks(keptOf(p.text));
+            EXPECT_EQ(f.lblMessage->text(), kUnknownOrder);
+            EXPECT_EQ(f.lblOrderNum->text(), QStringLiteral("0"));
+            EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
+            expectCodeStaysOneLiteral(code, trace);
+            // The order left had its verdict logged and comes back as it was.
+            scan(f.TxtID, QStringLiteral("10001"));
+            const StationSnapshot back = snapshot();
+            EXPECT_EQ(back.lines, counted.lines);
+            EXPECT_EQ(back.pickedNum, counted.pickedNum);
+            EXPECT_EQ(back.picked, counted.picked);
+            EXPECT_EQ(back.sessionEntries, 1);
+        }
+    }
+    EXPECT_EQ(tableCount(), tables);
+    EXPECT_EQ(dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ERPOrders")).toInt(), orders);
+    EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("0/0"));
+}
+
+TEST_F(HostileInputTest, EmptyBlankAndHostileEntriesInEveryFieldAreRefusedOrIgnored)
+{
+    frmPickigGoods& f = open();
+    scan(f.TxtID, QStringLiteral("10001"));
+    scan(f.TxtItemID, barcodeOf(1001));
+    const StationSnapshot counted = snapshot();
+    const QString employee = f.TxtEmployee->text();
+
+    // Empty and blank scans: nothing is looked up, nothing changes.
+    for (const QString& blank : {QString(), QStringLiteral("    ")}) {
+        for (ScanLineEdit* field : {f.TxtItemID, f.TxtEmployee}) {
+            SCOPED_TRACE(field->objectName().toStdString() + " [" + blank.toStdString() + "]");
+            skipCallsSoFar();
+            f.SetMessage(QString());
+            enter(field, blank, Path::Typed);
+            EXPECT_EQ(m_faults.calls().size(), m_seenCalls) << "a blank scan reached the middle tier";
+            EXPECT_EQ(f.lblMessage->text(), QString());
+            EXPECT_EQ(snapshot(), counted);
+        }
+    }
+    // A blank order code logs the verdict of the order on the station and loads nothing.
+    scan(f.TxtID, QStringLiteral("   "));
+    EXPECT_EQ(f.CurrentOrderCode, QStringLiteral("10001"));
+    EXPECT_EQ(snapshot().lines, counted.lines);
+    EXPECT_EQ(f.SessionOrderLog.Count(), 1);
+    const StationSnapshot logged = snapshot();
+    EXPECT_EQ(logged.missing, 3);
+
+    // Quantities: anything but a whole number of pieces is refused before a
+    // line is touched. Typed key by key, each refused key empties the field at
+    // once, so only texts that stay refused to the end are typed here.
+    const QString barcode = barcodeOf(1008);
+    struct Quantity {
+        QString text;
+        bool typed;
+    };
+    const QList<Quantity> quantities{
+        {QString(), true}, {QStringLiteral("   "), true}, {QStringLiteral("x"), true}, {QStringLiteral("\u0662"), true},
+        {QStringLiteral("2' OR '1'='1"), false}, {QStringLiteral("-3"), false}, {QStringLiteral("0"), false},
+        {QStringLiteral("2.5"), false}, {QStringLiteral("99999"), false}, {QStringLiteral("1e9"), false},
+        {kMarker + QString(9997, QLatin1Char('9')), false}};
+    for (const Quantity& q : quantities) {
+        for (Path path : {Path::Typed, Path::Pasted}) {
+            if (path == Path::Typed && !q.typed)
+                continue;
+            SCOPED_TRACE("TxtNum [" + q.text.left(20).toStdString() + "] path " + std::to_string(int(path)));
+            m_rec->boxes.clear();
+            f.SetMessage(QString());
+            type(f.TxtItemID, barcode);
+            if (path == Path::Typed) {
+                type(f.TxtNum, q.text);
+            } else {
+                paste(f.TxtNum, q.text, false);
+            }
+            const QString message = f.lblMessage->text();
+            press(f.TxtNum, Qt::Key_Return);
+            EXPECT_EQ(snapshot(), logged);
+            EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
+            // Text that is no number is refused as it comes in or at Enter.
+            if (!IsNumeric(q.text))
+                EXPECT_TRUE(message == kNotNumeric || f.lblMessage->text() == kNotNumeric) << f.lblMessage->text().toStdString();
+        }
+    }
+    // The employee field takes any text but never runs a statement on it.
+    skipCallsSoFar();
+    for (const Payload& p : hostilePayloads()) {
+        paste(f.TxtEmployee, p.text);
+        EXPECT_EQ(f.TxtEmployee->text(), keptOf(p.text)) << p.name;
+    }
+    EXPECT_EQ(m_faults.calls().size(), m_seenCalls);
+    EXPECT_EQ(snapshot(), logged);
+    // The order goes on where it was, once the worker types a quantity again
+    // (a refused one leaves the field empty, and an empty quantity scans nothing).
+    f.TxtEmployee->setText(employee);
+    EXPECT_EQ(f.TxtNum->text(), QString());
+    scan(f.TxtItemID, barcode);
+    EXPECT_EQ(f.lblMessage->text(), kNotNumeric);
+    EXPECT_EQ(snapshot(), logged);
+    type(f.TxtNum, QStringLiteral("1"));
+    scan(f.TxtItemID, barcode);
+    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("2/4"));
+    type(f.TxtItemID, barcodeOf(1014));
+    paste(f.TxtNum, QStringLiteral("2"), false);
+    press(f.TxtNum, Qt::Key_Return);
+    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("4/4"));
+    EXPECT_TRUE(f.ImgSuccess->isVisible());
+}
+
+TEST_F(HostileInputTest, AVeryLongCodeTypedKeyByKeyIsHandledInReasonableTime)
+{
+    frmPickigGoods& f = open();
+    scan(f.TxtID, QStringLiteral("10001"));
+    const QString code = kMarker + QString(9997, QLatin1Char('7'));
+    QElapsedTimer timer;
+    timer.start();
+    skipCallsSoFar();
+    scan(f.TxtItemID, code);
+    const qint64 ms = timer.elapsed();
+    std::printf("a 10,000-character code typed key by key and scanned: %lld ms\n", static_cast<long long>(ms));
+    EXPECT_EQ(f.lblMessage->text(), kUnknownGoods);
+    expectCodeStaysOneLiteral(code, "long typed code");
+    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("0/"));
+}
