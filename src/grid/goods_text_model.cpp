@@ -50,7 +50,31 @@ qint64 GoodsTextModel::wholeNumber(const QVariant& value)
     if (!value.isValid() || value.isNull())
         return 0;
     bool ok = false;
-    const double d = value.toString().trimmed().toDouble(&ok);
+    double d = 0;
+    // Numbers read straight; their text would read back as the same double.
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::LongLong:
+        d = double(value.toLongLong());
+        ok = true;
+        break;
+    case QMetaType::ULong:
+    case QMetaType::ULongLong:
+        d = double(value.toULongLong());
+        ok = true;
+        break;
+    case QMetaType::Double:
+        d = value.toDouble();
+        ok = true;
+        break;
+    default:
+        d = value.toString().trimmed().toDouble(&ok);
+        break;
+    }
     if (!ok || !std::isfinite(d))
         return 0;
     // Counts are whole numbers; an odd fraction rounds like the classic runtime does.
@@ -168,22 +192,46 @@ qint32 GoodsTextModel::GetGoodsIndex(const QString& goodsId) const
     return -1;
 }
 
+qint16 GoodsTextModel::knownStatus(const GoodsRecord& line)
+{
+    auto it = m_known.find(line.identity());
+    if (it != m_known.end() && it->second.version == line.version())
+        return it->second.status;
+    const qint16 s = status(line);
+    // The entry holds the line, so its address is never another line's.
+    m_known.insert_or_assign(line.identity(), KnownStatus{line, line.version(), s});
+    return s;
+}
+
+void GoodsTextModel::setList(const RecordList& list)
+{
+    m_list = list;
+    m_known.clear();
+}
+
 void GoodsTextModel::partitionUnfinishedFirst()
 {
     if (upperBound() < 0)
         return;
     std::vector<GoodsRecord> copy;
+    std::vector<bool> unfinished;
     copy.reserve(size_t(m_list.Count()));
-    for (int i = 0; i <= m_list.UpperBound(); ++i)
+    unfinished.reserve(size_t(m_list.Count()));
+    // Lines of an order loaded since are no use any more.
+    if (m_known.size() > 2 * size_t(m_list.Count()) + 16)
+        m_known.clear();
+    for (int i = 0; i <= m_list.UpperBound(); ++i) {
         copy.push_back(m_list.Item(i));
+        unfinished.push_back(knownStatus(copy.back()) == Short);
+    }
     // Emptied and refilled in place: the tile view and the scan hold this same set.
     m_list.Clear();
-    for (const GoodsRecord& g : copy) {
-        if (checked(g) < ordered(g))
-            m_list.Add(g);
+    for (size_t i = 0; i < copy.size(); ++i) {
+        if (unfinished[i])
+            m_list.Add(copy[i]);
     }
-    for (const GoodsRecord& g : copy) {
-        if (checked(g) >= ordered(g))
-            m_list.Add(g);
+    for (size_t i = 0; i < copy.size(); ++i) {
+        if (!unfinished[i])
+            m_list.Add(copy[i]);
     }
 }

@@ -10,13 +10,14 @@
 #include "host/record_list.h"
 #include <QString>
 #include <QVariant>
+#include <unordered_map>
 
 class GoodsTextModel {
 public:
     // Line status of a count.
     enum Status : qint16 { Short = 0, Complete = 1, Excess = 2 };
 
-    void setList(const RecordList& list) { m_list = list; }
+    void setList(const RecordList& list);
     RecordList list() const { return m_list; }
     bool hasList() const { return !m_list.isNone(); }
     int upperBound() const { return hasList() ? m_list.UpperBound() : -1; }
@@ -48,7 +49,16 @@ public:
     // Reorders the shared list in place: lines still short first, then the
     // complete and over-picked ones, each group in its present order.
     void partitionUnfinishedFirst();
+    // status(line), worked out again only when the line was written since
+    // it was last asked (a refresh asks about every line).
+    qint16 knownStatus(const GoodsRecord& line);
 
 private:
+    struct KnownStatus {
+        GoodsRecord line = GoodsRecord::none();
+        quint64 version = 0;
+        qint16 status = Short;
+    };
     RecordList m_list = RecordList::none();
+    std::unordered_map<const void*, KnownStatus> m_known;
 };

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QResizeEvent>
+#include <QSignalBlocker>
 #include <QStyledItemDelegate>
 #include <QTableWidget>
 #include <cmath>
@@ -96,6 +97,52 @@ private:
     QTableWidget* m_grid;
     bool m_was;
 };
+
+} // namespace
+
+// A refresh changes many cells at once: the model keeps quiet cell by cell
+// (each cell's notice would re-measure the row header), and the rows that
+// changed are repainted together afterwards, when they are in view.
+class GoodsTextView::QuietRows {
+public:
+    explicit QuietRows(GoodsTextView& view) : m_view(view), m_blocker(view.m_grid->model())
+    {
+        m_view.m_quiet = this;
+    }
+    ~QuietRows()
+    {
+        m_view.m_quiet = nullptr;
+        m_blocker.unblock();
+        if (m_last < m_first)
+            return;
+        QTableWidget* grid = m_view.m_grid;
+        const int top = grid->rowViewportPosition(m_first - 1);
+        const int bottom = grid->rowViewportPosition(m_last - 1) + grid->rowHeight(m_last - 1);
+        const QRect band(0, top, grid->viewport()->width(), bottom - top);
+        if (band.intersects(grid->viewport()->rect()))
+            grid->viewport()->update(band);
+        QWidget* header = grid->verticalHeader()->viewport();
+        const QRect headerBand(0, top, header->width(), bottom - top);
+        if (headerBand.intersects(header->rect()))
+            header->update(headerBand);
+    }
+    QuietRows(const QuietRows&) = delete;
+    QuietRows& operator=(const QuietRows&) = delete;
+
+    void changed(int row)
+    {
+        m_first = qMin(m_first, row);
+        m_last = qMax(m_last, row);
+    }
+
+private:
+    GoodsTextView& m_view;
+    QSignalBlocker m_blocker;
+    int m_first = std::numeric_limits<int>::max();
+    int m_last = 0;
+};
+
+namespace {
 
 template <class F>
 void trapped(QWidget* owner, F&& body)
@@ -223,14 +270,34 @@ QTableWidgetItem* GoodsTextView::cell(int row, int col) const
     return col == ColNumber ? m_grid->verticalHeaderItem(row - 1) : m_grid->item(row - 1, col - 1);
 }
 
+void GoodsTextView::forgetRowStates()
+{
+    m_rowStates.assign(size_t(qMax(0, m_grid->rowCount())), RowState());
+}
+
+GoodsTextView::RowState& GoodsTextView::rowState(int row)
+{
+    if (m_rowStates.size() != size_t(qMax(0, m_grid->rowCount())))
+        forgetRowStates();
+    return m_rowStates[size_t(row - 1)];
+}
+
+bool GoodsTextView::rowShows(int row, const GoodsRecord& line)
+{
+    const RowState& state = rowState(row);
+    return state.filled && state.line.sameRecord(line) && state.version == line.version();
+}
+
 void GoodsTextView::fillRow(int row, const GoodsRecord& line)
 {
+    bool created = false;
     const auto text = [&line](const char* key, const char* fallback) {
         return line.GetValue(QString::fromLatin1(key), QString::fromLatin1(fallback)).toString();
     };
-    const auto put = [this, row](int col, const QString& value, const QVariant& tag = QVariant()) {
+    const auto put = [this, row, &created](int col, const QString& value, const QVariant& tag = QVariant()) {
         QTableWidgetItem* item = cell(row, col);
         if (!item) {
+            created = true;
             item = new QTableWidgetItem;
             item->setForeground(kBlack);
             // Every cell is locked: the grid only shows.
@@ -246,7 +313,11 @@ void GoodsTextView::fillRow(int row, const GoodsRecord& line)
             item->setData(kKeyRole, tag);
     };
 
-    put(ColNumber, QString::number(row), GoodsTextModel::rowKey(line));
+    // The row key lives beside the row, not in the row-number cell: a tag
+    // written there makes the grid look the header cell up among all rows.
+    const QString key = GoodsTextModel::rowKey(line);
+    put(ColNumber, QString::number(row));
+    rowState(row).key = key;
     put(ColName, text("GoodsName", ""), text("GoodsID", "0"));
     put(ColBarCode, text("GoodsBarCode", ""));
     put(ColModel, text("FModel", ""));
@@ -254,20 +325,40 @@ void GoodsTextView::fillRow(int row, const GoodsRecord& line)
     put(ColCheckedCnt, numberCellText(line.GetValue(QStringLiteral("GoodsCheckedCnt"), QStringLiteral("0"))));
     const bool serial = GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("FSerialClassID"), 0)) != 0;
     put(ColSerial, serial ? QStringLiteral("Y") : QString());
+
+    RowState& state = rowState(row);
+    state.line = line;
+    state.version = line.version();
+    state.filled = true;
+    if (created)
+        state.colour = QColor();
+    if (m_quiet)
+        m_quiet->changed(row);
 }
 
 void GoodsTextView::paintRow(int row, const QColor& color)
 {
+    RowState& state = rowState(row);
+    if (state.colour.isValid() && state.colour == color)
+        return;
+    bool whole = true;
     for (int col = ColNumber; col < ColumnCount; ++col) {
         if (QTableWidgetItem* item = cell(row, col))
             item->setForeground(color);
+        else
+            whole = false;
     }
+    state.colour = whole ? color : QColor();
+    if (m_quiet)
+        m_quiet->changed(row);
 }
 
 void GoodsTextView::setCountCell(int row, const QVariant& count)
 {
-    if (QTableWidgetItem* item = cell(row, ColCheckedCnt))
+    if (QTableWidgetItem* item = cell(row, ColCheckedCnt)) {
         item->setText(numberCellText(count));
+        rowState(row).filled = false;
+    }
 }
 
 void GoodsTextView::setActiveRow(int row)
@@ -297,6 +388,7 @@ void GoodsTextView::LoadPickingGoods()
         {
             UpdatesOff off(m_grid);
             m_grid->setRowCount(qMax(0, n));
+            forgetRowStates();
             for (int r = 1; r <= n; ++r) {
                 fillRow(r, list.Item(r));
                 paintRow(r, kBlack);
@@ -314,6 +406,7 @@ void GoodsTextView::LoadPickingGoods()
 void GoodsTextView::ClearGoods()
 {
     m_grid->setRowCount(0);
+    forgetRowStates();
 }
 
 void GoodsTextView::RefreshGoods()
@@ -340,22 +433,28 @@ void GoodsTextView::refresh(bool withEntry, qint32 goodsId, qint32 entryId)
     const int rows = qMin(list.UpperBound(), m_grid->rowCount());
     GoodsRecord selected = GoodsRecord::none();
     {
-        UpdatesOff off(m_grid);
-        for (int r = 1; r <= rows; ++r)
-            fillRow(r, list.Item(r));
+        QuietRows quiet(*this);
+        // Only the rows whose line moved or was written are rewritten; a row
+        // that shows its line as it is now would get the same texts again.
+        for (int r = 1; r <= rows; ++r) {
+            const GoodsRecord line = list.Item(r);
+            if (!rowShows(r, line))
+                fillRow(r, line);
+        }
         // Without a current goods the refresh ends with the refill, colours as they were.
         if (list.UpperBound() < 1 || goodsId <= 0)
             return;
         SetCurrentGoodsID(QString::number(goodsId));
         for (int r = 1; r <= rows; ++r) {
             const GoodsRecord line = list.Item(r);
-            const bool match = GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsID"), 0)) == goodsId
+            const bool match = selected.isNone()
+                && GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsID"), 0)) == goodsId
                 && (!withEntry || GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("FEntryID"), 0)) == entryId);
-            if (match && selected.isNone()) {
+            if (match) {
                 selected = line;
                 setActiveRow(r);
             }
-            switch (GoodsTextModel::status(line)) {
+            switch (m_model.knownStatus(line)) {
             case GoodsTextModel::Short: paintRow(r, kBlack); break;
             case GoodsTextModel::Complete: paintRow(r, kGreen); break;
             default: paintRow(r, kRed); break;
@@ -519,8 +618,9 @@ QString GoodsTextView::cellText(int row, int col) const
 
 QString GoodsTextView::rowKey(int row) const
 {
-    const QTableWidgetItem* item = cell(row, ColNumber);
-    return item ? item->data(kKeyRole).toString() : QString();
+    if (!cell(row, ColNumber) || m_rowStates.size() != size_t(m_grid->rowCount()))
+        return QString();
+    return m_rowStates[size_t(row - 1)].key;
 }
 
 QString GoodsTextView::rowGoodsTag(int row) const

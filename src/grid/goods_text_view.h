@@ -12,6 +12,7 @@
 #include "host/record_list.h"
 #include <QColor>
 #include <QWidget>
+#include <vector>
 
 class QTableWidget;
 class QTableWidgetItem;
@@ -106,7 +107,25 @@ private:
     QTableWidgetItem* cell(int row, int col) const;
     void select(const GoodsRecord& line, qint32 goodsId);
 
+    // What each row shows, so that a refresh rewrites only the rows whose
+    // line moved or was written: the line and its version at the last fill,
+    // whether a cell was written since, the one colour of all its cells.
+    struct RowState {
+        GoodsRecord line = GoodsRecord::none();
+        quint64 version = 0;
+        bool filled = false;
+        QColor colour;   // invalid: the cells may differ
+        QString key;     // the column-0 tag: GoodsID followed by FEntryID
+    };
+    void forgetRowStates();
+    RowState& rowState(int row);
+    bool rowShows(int row, const GoodsRecord& line);
+
+    class QuietRows;
+    QuietRows* m_quiet = nullptr;   // set while a refresh rewrites rows
+
     GoodsTextModel m_model;
     QTableWidget* m_grid = nullptr;
     QLabel* m_cornerTitle = nullptr;
+    std::vector<RowState> m_rowStates;   // grid row r at r - 1
 };

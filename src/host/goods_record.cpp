@@ -15,6 +15,12 @@ GoodsRecord::Data& GoodsRecord::data() const
 int GoodsRecord::find(const QString& key) const
 {
     const auto& e = data().entries;
+    // Keys are nearly always asked as they were written, and no two keys of
+    // a record differ in case only: an exact match is the one match.
+    for (int i = 0; i < int(e.size()); ++i) {
+        if (e[size_t(i)].first == key)
+            return i;
+    }
     for (int i = 0; i < int(e.size()); ++i) {
         if (e[size_t(i)].first.compare(key, Qt::CaseInsensitive) == 0)
             return i;
@@ -43,6 +49,7 @@ void GoodsRecord::SetValue(const QString& key, const QVariant& value)
         d->entries.emplace_back(key, value);
     else
         d->entries[size_t(i)].second = value;
+    ++d->version;
 }
 
 void GoodsRecord::Add(const QString& key, const QVariant& value)
@@ -50,6 +57,7 @@ void GoodsRecord::Add(const QString& key, const QVariant& value)
     if (find(key) >= 0)
         throw HostError(HostErrors::DuplicateKey, QStringLiteral("This key is already associated with an element of this collection: %1").arg(key));
     d->entries.emplace_back(key, value);
+    ++d->version;
 }
 
 bool GoodsRecord::Exists(const QString& key) const { return find(key) >= 0; }
@@ -57,11 +65,17 @@ bool GoodsRecord::Exists(const QString& key) const { return find(key) >= 0; }
 void GoodsRecord::Remove(const QString& key)
 {
     const int i = find(key);
-    if (i >= 0)
+    if (i >= 0) {
         d->entries.erase(d->entries.begin() + i);
+        ++d->version;
+    }
 }
 
-void GoodsRecord::Clear() { data().entries.clear(); }
+void GoodsRecord::Clear()
+{
+    data().entries.clear();
+    ++d->version;
+}
 
 int GoodsRecord::Count() const { return int(data().entries.size()); }
 

@@ -33,11 +33,17 @@ public:
     QVariant ValueAt(int index) const;
 
     bool sameRecord(const GoodsRecord& other) const { return d == other.d; }
+    // Who the record is, and how often it was written: a view that drew a
+    // record at some identity and version may trust its drawing while both
+    // are unchanged. Nothing has identity 0.
+    const void* identity() const { return d.get(); }
+    quint64 version() const { return d ? d->version : 0; }
     GoodsRecord clone() const;        // an independent copy
 
 private:
     struct Data {
         std::vector<std::pair<QString, QVariant>> entries;
+        quint64 version = 0;   // raised by every write
     };
     explicit GoodsRecord(std::shared_ptr<Data> data) : d(std::move(data)) {}
     Data& data() const;               // raises HostError when none

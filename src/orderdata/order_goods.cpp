@@ -192,6 +192,22 @@ bool HasGoodsLines()
     return !lines.isNone() && lines.UpperBound() >= 0;
 }
 
+bool SameIdText(const QVariant& value, qint32 id)
+{
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::LongLong:
+        // an integer's text is its decimal text, as is the id's
+        return value.toLongLong() == id;
+    default:
+        return value.toString() == QString::number(id);
+    }
+}
+
 qint32 FindGoodsLineIndex(qint32 goodsId, const QString& entryId)
 {
     if (goodsId == 0)
@@ -199,10 +215,9 @@ qint32 FindGoodsLineIndex(qint32 goodsId, const QString& entryId)
     const RecordList& lines = state().lines;
     if (lines.isNone())
         throw HostError(HostErrors::ObjectNotSet, QStringLiteral("Object variable or With block variable not set"));
-    const QString goodsText = QString::number(goodsId);
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
         const GoodsRecord line = lines.Item(i);
-        if (line.GetValue(QStringLiteral("GoodsID")).toString() == goodsText
+        if (SameIdText(line.GetValue(QStringLiteral("GoodsID")), goodsId)
             && line.GetValue(QStringLiteral("FEntryID")).toString() == entryId)
             return i;
     }

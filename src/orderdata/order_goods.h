@@ -22,6 +22,10 @@ bool HasGoodsLines();
 // -1 when none, -2 at once when goodsId is 0.
 qint32 FindGoodsLineIndex(qint32 goodsId, const QString& entryId);
 RecordList GetGoodsLineSet();    // none() before the first load and after ResetSessionState
+// True when the value's text is the decimal text of id: how lines are
+// matched to goods ("GoodsID" compared as text), without making the text
+// for the integers the database hands out.
+bool SameIdText(const QVariant& value, qint32 id);
 QVariant GetWebshopName();
 void SetClearPictureFolder(bool clear);
 bool ClearPictureFolderPending();

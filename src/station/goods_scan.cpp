@@ -260,10 +260,9 @@ bool GoodsScan::lookUp()
 bool GoodsScan::chooseBarCodeLine()
 {
     const RecordList lines = GetGoodsLineSet();
-    const QString item = QString::number(m_itemId);
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
         GoodsRecord line = lines.Item(i);
-        if (text(line, QStringLiteral("GoodsID")) == item && hasOpenQuantity(line)) {
+        if (SameIdText(line.GetValue(QStringLiteral("GoodsID"), QString()), m_itemId) && hasOpenQuantity(line)) {
             m_found.SetValue(QStringLiteral("FEntryID"), line.GetValue(QStringLiteral("FEntryID")));
             addToPickCnt(line, 1);
             m_line = line;

@@ -28,6 +28,18 @@ constexpr int ColumnPitch = GoodsView::TileWidth + GoodsListModel::TileGap;
 // A stored id (number or text) against a number: equal when it reads as that number.
 bool sameNumber(const QVariant& stored, qint64 number)
 {
+    // Ids straight from the database are integers: no text needed for them.
+    switch (stored.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::LongLong:
+        return stored.toLongLong() == number;
+    default:
+        break;
+    }
     bool ok = false;
     const QString text = stored.toString().trimmed();
     const qint64 value = text.toLongLong(&ok);

@@ -69,6 +69,7 @@ GoodsListView::GoodsListView(QWidget* parent) : QWidget(parent)
     connect(ImgUp, &TileArrow::clicked, this, &GoodsListView::scrollUp);
     connect(ImgDown, &TileArrow::clicked, this, &GoodsListView::scrollDown);
 
+    TilePictures::reserveTiles(0, GoodsView::imgMainPixelSize(false));
     // Tile 0 exists from the start, as the first line's tile.
     m_free.push_back(takeTile());
     m_free.back()->hide();
@@ -183,6 +184,7 @@ int GoodsListView::AddGoods(const GoodsRecord& record)
 
 void GoodsListView::finishLoading()
 {
+    TilePictures::reserveTiles(m_model.count(), GoodsView::imgMainPixelSize(false));
     // The first line is the station's current goods until the first scan.
     if (m_model.count() > 0) {
         const GoodsRecord first = m_model.record(0);
@@ -232,6 +234,7 @@ void GoodsListView::ClearGoods()
 
 void GoodsListView::ClearGoodsNew()
 {
+    TilePictures::reserveTiles(0, GoodsView::imgMainPixelSize(false));
     clearLines();
     m_model.setSelectedGoodsID(QString());
     dropAllTiles();

@@ -131,6 +131,13 @@ GoodsView::GoodsView(QWidget* parent) : QWidget(parent)
 
 GoodsView::~GoodsView() = default;
 
+QSize GoodsView::imgMainPixelSize(bool selected)
+{
+    const QRect twips = imgMainGeometryFor(selected);
+    return QSize(TwipsToPixels(twips.x() + twips.width() + TileBleed) - TwipsToPixels(twips.x() + TileBleed),
+                 TwipsToPixels(twips.y() + twips.height() + TileBleed) - TwipsToPixels(twips.y() + TileBleed));
+}
+
 QRect GoodsView::toPixels(const QRect& twips) const
 {
     // Edges are converted, not sizes, so neighbouring parts meet exactly.

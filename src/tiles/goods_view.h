@@ -37,6 +37,8 @@ public:
     // PicBack and imgMain as left, top, width, height relative to the tile.
     static QRect picBackGeometryFor(bool selected);
     static QRect imgMainGeometryFor(bool selected);
+    // The size in pixels that imgMain has in either state.
+    static QSize imgMainPixelSize(bool selected);
 
     explicit GoodsView(QWidget* parent = nullptr);
     ~GoodsView() override;

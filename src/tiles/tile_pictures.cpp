@@ -11,11 +11,31 @@ namespace TilePictures {
 
 namespace {
 
-QCache<QString, QPixmap>& cache()
+// Cost in KiB: about 64 MB of decoded tiles, the rows in view many times
+// over; an order of more lines than that holds gets room for all of its
+// pictures, up to a bound.
+constexpr int kTileBudgetKb = 64 * 1024;
+constexpr int kTileBudgetCapKb = 256 * 1024;
+
+QCache<QString, QPixmap>& tileCache()
 {
-    // Cost in KiB: about 64 MB of decoded tiles, the rows in view many times over.
-    static QCache<QString, QPixmap> pictures(64 * 1024);
-    return pictures;
+    static QCache<QString, QPixmap> tiles(kTileBudgetKb);
+    return tiles;
+}
+
+// The size (device pixels) of a tile's picture when not selected: those
+// fill the tile cache. The selected tile's and the enlarged tile's pictures
+// change with every scan and are kept apart, so they never push tiles out.
+QSize& tilePictureSize()
+{
+    static QSize size;
+    return size;
+}
+
+QCache<QString, QPixmap>& cache(const QSize& size)
+{
+    static QCache<QString, QPixmap> others(32 * 1024);
+    return size == tilePictureSize() ? tileCache() : others;
 }
 
 qreal pixelRatio()
@@ -50,18 +70,23 @@ QPixmap load(const QString& path, const QSize& size)
                             .arg(size.width())
                             .arg(size.height())
                             .arg(ratio);
-    if (QPixmap* hit = cache().object(key))
+    const QSize target = (size * ratio);
+    if (QPixmap* hit = cache(target).object(key))
         return *hit;
 
     QImageReader reader(path);
     reader.setAutoTransform(true);
     const QSize source = reader.size();
-    const QSize target = (size * ratio);
-    if (source.isValid()) {
-        // Let the decoder scale (JPEG decodes straight at the smaller size).
-        reader.setScaledSize(source.scaled(target, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
-    }
+    const QSize fitted = source.isValid() ? source.scaled(target, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)) : QSize();
+    // JPEG decodes straight at the smaller size; the PNG reader's own
+    // scaling averages row by row and takes several times a whole decode,
+    // so a PNG is decoded whole and scaled after.
+    const bool scaleAfter = fitted.isValid() && reader.format() == "png";
+    if (fitted.isValid() && !scaleAfter)
+        reader.setScaledSize(fitted);
     QImage image = reader.read();
+    if (scaleAfter && !image.isNull() && image.size() != fitted)
+        image = image.scaled(fitted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     if (image.isNull())
         return QPixmap();
     if (!source.isValid() && (image.width() > target.width() || image.height() > target.height()))
@@ -69,7 +94,7 @@ QPixmap load(const QString& path, const QSize& size)
     QPixmap pixmap = QPixmap::fromImage(image);
     pixmap.setDevicePixelRatio(ratio);
     const int costKb = qMax(1, int(qint64(pixmap.width()) * pixmap.height() * 4 / 1024));
-    cache().insert(key, new QPixmap(pixmap), costKb);
+    cache(target).insert(key, new QPixmap(pixmap), costKb);
     return pixmap;
 }
 
@@ -95,6 +120,21 @@ Resolved resolve(const QString& path, const QSize& size)
     return result;
 }
 
-void clearCache() { cache().clear(); }
+void reserveTiles(int count, const QSize& size)
+{
+    const QSize pixels = size * pixelRatio();
+    if (pixels != tilePictureSize())
+        tileCache().clear();
+    tilePictureSize() = pixels;
+    const qint64 perTileKb = qMax<qint64>(1, qint64(pixels.width()) * pixels.height() * 4 / 1024);
+    const qint64 wanted = qint64(qMax(0, count)) * perTileKb * 11 / 10;
+    tileCache().setMaxCost(int(qBound(qint64(kTileBudgetKb), wanted, qint64(kTileBudgetCapKb))));
+}
+
+void clearCache()
+{
+    tileCache().clear();
+    cache(QSize()).clear();
+}
 
 } // namespace TilePictures

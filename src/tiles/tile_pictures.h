@@ -28,6 +28,13 @@ Resolved resolve(const QString& path, const QSize& size);
 // True when a file (not a folder) is at the path.
 bool fileExists(const QString& path);
 
+// Room for `count` tile pictures of `size` (device-independent pixels, a
+// tile's picture box when not selected) in the cache, so that a big order
+// scanned in any order decodes each picture once; bounded, and never below
+// the usual budget (count 0 gives it back). Pictures of other sizes (the
+// selected tile, the enlarged tile) have a cache of their own.
+void reserveTiles(int count, const QSize& size);
+
 // Forgets every cached picture.
 void clearCache();
 
