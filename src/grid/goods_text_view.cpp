@@ -6,7 +6,9 @@
 #include "session/language.h"
 #include <QAbstractButton>
 #include <QHBoxLayout>
+#include <QHash>
 #include <QHeaderView>
+#include <QStyleOptionHeader>
 #include <QLabel>
 #include <QPainter>
 #include <QResizeEvent>
@@ -80,6 +82,34 @@ protected:
         if (gridCol == GoodsTextView::ColBarCode)
             option->textElideMode = Qt::ElideLeft;
     }
+};
+
+// The row numbers take their row's colour. The header hands that colour to
+// the style in a palette made afresh for every section it paints, and the
+// style keys its cached section pictures by palette: every paint added a new
+// picture and a new key. One palette per colour keeps the keys the same.
+class RowNumberHeader : public QHeaderView {
+public:
+    using QHeaderView::QHeaderView;
+
+protected:
+    void initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const override
+    {
+        QHeaderView::initStyleOptionForIndex(option, logicalIndex);
+        const QPair<qint64, QRgb> key(palette().cacheKey(), option->palette.brush(QPalette::ButtonText).color().rgba());
+        if (option->palette.brush(QPalette::ButtonText).style() != Qt::SolidPattern)
+            return;
+        auto it = m_palettes.constFind(key);
+        if (it == m_palettes.constEnd()) {
+            if (m_palettes.size() > 64)
+                m_palettes.clear();
+            it = m_palettes.insert(key, option->palette);
+        }
+        option->palette = *it;
+    }
+
+private:
+    mutable QHash<QPair<qint64, QRgb>, QPalette> m_palettes;
 };
 
 // Keeps the grid hidden from repaints while many cells change at once.
@@ -177,6 +207,7 @@ GoodsTextView::~GoodsTextView() = default;
 
 void GoodsTextView::setUpGrid()
 {
+    m_grid->setVerticalHeader(new RowNumberHeader(Qt::Vertical, m_grid));
     QFont dataFont = m_grid->font();
     dataFont.setPointSize(kDataPointSize);
     m_grid->setFont(dataFont);

@@ -467,7 +467,9 @@ void GoodsListView::syncScrollRange()
     m_syncingScroll = true;
     const int top = m_model.topRow();
     VScMain->setRange(0, qMax(0, qMax(m_model.rowCount() - 2, top)));
-    VScMain->setPageStep(visibleRows());
+    // Setting the page step repaints the bar even when it stays the same.
+    if (VScMain->pageStep() != visibleRows())
+        VScMain->setPageStep(visibleRows());
     VScMain->setValue(top);
     m_syncingScroll = false;
     ImgUp->setActive(m_model.canScrollUp());

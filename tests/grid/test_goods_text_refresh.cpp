@@ -3,6 +3,10 @@
 // refill of all rows would, in the colour of its progress.
 #include "grid/goods_text_view.h"
 #include "grid/order_fixture.h"
+#include <QApplication>
+#include <QHeaderView>
+#include <QProxyStyle>
+#include <QSet>
 #include <QTableWidget>
 #include <random>
 
@@ -118,4 +122,52 @@ TEST_F(GoodsTextRefreshTest, RandomCountingThenRefreshMatchesAFullRefill)
         EXPECT_FALSE(seenDone && !done) << "row " << r;
         seenDone = seenDone || done;
     }
+}
+
+namespace {
+
+// Sees the palette each row-number section is painted with.
+class SectionPalettes : public QProxyStyle {
+public:
+    using QProxyStyle::QProxyStyle;
+    mutable QSet<qint64> keys;
+    mutable int sections = 0;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override
+    {
+        if (element == CE_HeaderSection) {
+            keys.insert(option->palette.cacheKey());
+            ++sections;
+        }
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
+};
+
+} // namespace
+
+TEST_F(GoodsTextRefreshTest, RowNumbersOfOneColourShareOnePalette)
+{
+    RecordList set = load({{1, 900, "占位", "", "", 1},
+                           {2, 10, "甲", "", "", 1},
+                           {3, 20, "乙", "", "", 2},
+                           {4, 30, "丙", "", "", 1},
+                           {5, 40, "丁", "", "", 3}});
+    SectionPalettes style(QApplication::style()->name());
+    GoodsTextView view;
+    view.resize(900, 400);
+    view.LoadPickingGoods();
+    view.PickingGoodsNew(10, 2);   // green
+    view.PickingGoodsNew(30, 4);
+    view.PickingGoodsNew(30, 4);   // red
+    view.RefreshGoodsNew(10, 2);
+    ASSERT_EQ(view.rowColor(3), Green);
+    ASSERT_EQ(view.rowColor(4), Red);
+    view.fpGoods()->verticalHeader()->setStyle(&style);
+    for (int i = 0; i < 10; ++i)
+        view.grab();
+    // Every paint used to hand the style a palette of its own, which the style
+    // keeps a picture for: a station painting all day kept growing.
+    EXPECT_GE(style.sections, 40);
+    EXPECT_LE(style.keys.size(), 3) << "one palette per row colour";
+    view.fpGoods()->verticalHeader()->setStyle(nullptr);
 }
