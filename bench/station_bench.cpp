@@ -285,7 +285,7 @@ private:
     const BenchOrder& m_order;
     std::shared_ptr<Witness> m_witness;
 
-    Sample m_firstLoadMs, m_firstLoadSqlMs;
+    Sample m_firstLoadMs, m_firstLoadCpuMs, m_firstLoadSqlMs, m_loadCpuMs;
     qint64 m_firstLoadStatementCount = 0;
     std::vector<SqlTraceStatement> m_firstLoadStatements;
     std::vector<SqlTraceStatement> m_loadStatements;
@@ -397,6 +397,7 @@ void Run::drive(frmPickigGoods* form, const Plan& plan, bool main)
         switch (phase) {
         case Phase::FirstLoad:
             m_firstLoadMs.add(ms);
+            m_firstLoadCpuMs.add(cpuMs);
             m_firstLoadSqlMs.add(double(sql.engineNanoseconds) / 1e6);
             m_firstLoadStatementCount = sql.statements;
             if (m_firstLoadStatements.empty())
@@ -406,6 +407,7 @@ void Run::drive(frmPickigGoods* form, const Plan& plan, bool main)
             break;
         case Phase::Load:
             m_loadMs.add(ms);
+            m_loadCpuMs.add(cpuMs);
             m_loadSqlMs.add(double(sql.engineNanoseconds) / 1e6);
             m_loadStatementsCount.add(double(sql.statements));
             if (capture)
@@ -505,10 +507,12 @@ QJsonObject Run::figures(const QString& databaseFile)
     };
     QJsonObject load{
         {QStringLiteral("first_ms"), m_firstLoadMs.summary()},
+        {QStringLiteral("first_cpu_ms"), m_firstLoadCpuMs.summary()},
         {QStringLiteral("first_sql_statements"), double(m_firstLoadStatementCount)},
         {QStringLiteral("first_sql_ms"), m_firstLoadSqlMs.summary()},
         {QStringLiteral("first_floor_ms"), firstLoadFloor},
         {QStringLiteral("ms"), m_loadMs.summary()},
+        {QStringLiteral("cpu_ms"), m_loadCpuMs.summary()},
         {QStringLiteral("sql_statements"), m_loadStatementsCount.median()},
         {QStringLiteral("sql_ms"), m_loadSqlMs.summary()},
         {QStringLiteral("floor_ms"), loadFloor},

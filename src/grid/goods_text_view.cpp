@@ -96,9 +96,15 @@ protected:
     void initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const override
     {
         QHeaderView::initStyleOptionForIndex(option, logicalIndex);
-        const QPair<qint64, QRgb> key(palette().cacheKey(), option->palette.brush(QPalette::ButtonText).color().rgba());
-        if (option->palette.brush(QPalette::ButtonText).style() != Qt::SolidPattern)
-            return;
+        // A section's palette is the header's with its text (and background)
+        // brushes: the same brushes, the same palette.
+        QString key = QString::number(palette().cacheKey());
+        for (QPalette::ColorRole role : {QPalette::ButtonText, QPalette::Button, QPalette::Window}) {
+            const QBrush& brush = option->palette.brush(role);
+            if (brush.style() != Qt::SolidPattern)
+                return;
+            key += QLatin1Char(':') + QString::number(brush.color().rgba(), 16);
+        }
         auto it = m_palettes.constFind(key);
         if (it == m_palettes.constEnd()) {
             if (m_palettes.size() > 64)
@@ -109,7 +115,7 @@ protected:
     }
 
 private:
-    mutable QHash<QPair<qint64, QRgb>, QPalette> m_palettes;
+    mutable QHash<QString, QPalette> m_palettes;
 };
 
 // Keeps the grid hidden from repaints while many cells change at once.
