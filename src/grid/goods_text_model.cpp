@@ -106,18 +106,18 @@ GoodsRecord GoodsTextModel::lineOf(qint32 goodsId, qint32 entryId) const
     return GoodsRecord::none();
 }
 
-int GoodsTextModel::shownIndexOf(qint32 goodsId) const
+int GoodsTextModel::indexOf(qint32 goodsId) const
 {
-    for (int i = 1; i <= upperBound(); ++i) {
+    for (int i = 0; i <= upperBound(); ++i) {
         if (sameGoods(m_list.Item(i), goodsId))
             return i;
     }
     return -1;
 }
 
-int GoodsTextModel::shownIndexOf(qint32 goodsId, qint32 entryId) const
+int GoodsTextModel::indexOf(qint32 goodsId, qint32 entryId) const
 {
-    for (int i = 1; i <= upperBound(); ++i) {
+    for (int i = 0; i <= upperBound(); ++i) {
         const GoodsRecord g = m_list.Item(i);
         if (sameGoods(g, goodsId) && sameEntry(g, entryId))
             return i;
@@ -155,13 +155,13 @@ qint32 GoodsTextModel::excessCnt(const GoodsRecord& line)
 
 qint16 GoodsTextModel::IsPicked(qint32 goodsId) const
 {
-    const int i = shownIndexOf(goodsId);
+    const int i = indexOf(goodsId);
     return i < 0 ? qint16(Short) : status(m_list.Item(i));
 }
 
 qint16 GoodsTextModel::IsPickedNew(qint32 goodsId, qint32 entryId) const
 {
-    const int i = shownIndexOf(goodsId, entryId);
+    const int i = indexOf(goodsId, entryId);
     return i < 0 ? qint16(Short) : status(m_list.Item(i));
 }
 
@@ -178,6 +178,22 @@ qint32 GoodsTextModel::GetExcessCnt(qint32 goodsId) const
     if (!hasList() || upperBound() < 0 || goodsId == 0)
         return 0;
     const GoodsRecord g = firstLine(goodsId);
+    return g.isNone() ? 0 : excessCnt(g);
+}
+
+qint32 GoodsTextModel::GetPickedCntNew(qint32 goodsId, qint32 entryId) const
+{
+    if (goodsId == 0)
+        return 0;
+    const GoodsRecord g = lineOf(goodsId, entryId);
+    return g.isNone() ? 0 : pickedCnt(g);
+}
+
+qint32 GoodsTextModel::GetExcessCntNew(qint32 goodsId, qint32 entryId) const
+{
+    if (goodsId == 0)
+        return 0;
+    const GoodsRecord g = lineOf(goodsId, entryId);
     return g.isNone() ? 0 : excessCnt(g);
 }
 

@@ -1,11 +1,8 @@
 #pragma once
 // The counting rules of the grid view on its goods list, without pixels.
 // The list is the order's shared goods set; counts are written into its lines.
-//
-// Two ways of walking the list, as the view has always done: the index walks
-// (IsPicked, IsPickedNew, shown rows) go 1..upper bound, so a line at index 0
-// is never shown nor asked about; the searches that pick, clear and select go
-// over every line in list order, index 0 included.
+// Grid row r shows the set's r-th line (index lower bound + r - 1): every
+// walk over the lines covers all of them, the first one included.
 #include "host/goods_record.h"
 #include "host/record_list.h"
 #include <QString>
@@ -26,9 +23,9 @@ public:
     // First line in list order with this goods id (and entry id); none() when none.
     GoodsRecord firstLine(qint32 goodsId) const;
     GoodsRecord lineOf(qint32 goodsId, qint32 entryId) const;
-    // Index 1..n of the first shown line with this goods id (and entry id); -1 when none.
-    int shownIndexOf(qint32 goodsId) const;
-    int shownIndexOf(qint32 goodsId, qint32 entryId) const;
+    // Set index of the first line with this goods id (and entry id); -1 when none.
+    int indexOf(qint32 goodsId) const;
+    int indexOf(qint32 goodsId, qint32 entryId) const;
 
     // Adds 1 to "GoodsCheckedCnt" and returns the new count.
     static qint32 addOne(GoodsRecord& line);
@@ -44,6 +41,9 @@ public:
     qint16 IsPickedNew(qint32 goodsId, qint32 entryId) const;
     qint32 GetPickedCnt(qint32 goodsId) const;
     qint32 GetExcessCnt(qint32 goodsId) const;
+    // The same on the line of this goods and entry.
+    qint32 GetPickedCntNew(qint32 goodsId, qint32 entryId) const;
+    qint32 GetExcessCntNew(qint32 goodsId, qint32 entryId) const;
     qint32 GetGoodsIndex(const QString& goodsId) const;
 
     // Reorders the shared list in place: lines still short first, then the

@@ -2,6 +2,7 @@
 #include "host/error_reporter.h"
 #include "host/host_error.h"
 #include "host/platform.h"
+#include "orderdata/line_picking_state.h"
 #include "orderdata/order_goods.h"
 #include "session/language.h"
 #include <QAbstractButton>
@@ -43,6 +44,21 @@ constexpr int kKeyRole = Qt::UserRole;
 const QColor kBlack(0, 0, 0);
 const QColor kGreen(0x00, 0x80, 0x00);   // 32768
 const QColor kRed(0xFF, 0x00, 0x00);     // 255
+
+QColor colourOf(qint16 status)
+{
+    switch (status) {
+    case GoodsTextModel::Short: return kBlack;
+    case GoodsTextModel::Complete: return kGreen;
+    default: return kRed;
+    }
+}
+
+// Grid row r shows the set's r-th line.
+GoodsRecord lineOfRow(const RecordList& list, int row)
+{
+    return list.Item(list.LowerBound() + row - 1);
+}
 
 constexpr int kDataPointSize = 15;
 constexpr int kTitlePointSize = 11;
@@ -419,20 +435,19 @@ void GoodsTextView::LoadPickingGoods()
         if (list.isNone())
             return;
         m_model.setList(list);
-        // Rows show lines 1..n of the set: the line at index 0 is never shown in
-        // this view, on purpose, and the index walks of the counts skip it too.
-        const int n = list.UpperBound();
+        // Row r shows the set's r-th line.
+        const int n = list.Count();
         {
             UpdatesOff off(m_grid);
-            m_grid->setRowCount(qMax(0, n));
+            m_grid->setRowCount(n);
             forgetRowStates();
             for (int r = 1; r <= n; ++r) {
-                fillRow(r, list.Item(r));
+                fillRow(r, lineOfRow(list, r));
                 paintRow(r, kBlack);
             }
         }
         if (n >= 1) {
-            const GoodsRecord first = list.Item(1);
+            const GoodsRecord first = lineOfRow(list, 1);
             SetCurrentGoodsID(first.GetValue(QStringLiteral("GoodsID"), QStringLiteral("0")).toString());
             setActiveRow(1);
             emit GoodsSelected(first);
@@ -467,23 +482,23 @@ void GoodsTextView::refresh(bool withEntry, qint32 goodsId, qint32 entryId)
         return;
     m_model.partitionUnfinishedFirst();
     const RecordList list = m_model.list();
-    const int rows = qMin(list.UpperBound(), m_grid->rowCount());
+    const int rows = qMin(int(list.Count()), m_grid->rowCount());
     GoodsRecord selected = GoodsRecord::none();
     {
         QuietRows quiet(*this);
         // Only the rows whose line moved or was written are rewritten; a row
         // that shows its line as it is now would get the same texts again.
         for (int r = 1; r <= rows; ++r) {
-            const GoodsRecord line = list.Item(r);
+            const GoodsRecord line = lineOfRow(list, r);
             if (!rowShows(r, line))
                 fillRow(r, line);
         }
         // Without a current goods the refresh ends with the refill, colours as they were.
-        if (list.UpperBound() < 1 || goodsId <= 0)
+        if (rows < 1 || goodsId <= 0)
             return;
         SetCurrentGoodsID(QString::number(goodsId));
         for (int r = 1; r <= rows; ++r) {
-            const GoodsRecord line = list.Item(r);
+            const GoodsRecord line = lineOfRow(list, r);
             const bool match = selected.isNone()
                 && GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsID"), 0)) == goodsId
                 && (!withEntry || GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("FEntryID"), 0)) == entryId);
@@ -491,11 +506,7 @@ void GoodsTextView::refresh(bool withEntry, qint32 goodsId, qint32 entryId)
                 selected = line;
                 setActiveRow(r);
             }
-            switch (m_model.knownStatus(line)) {
-            case GoodsTextModel::Short: paintRow(r, kBlack); break;
-            case GoodsTextModel::Complete: paintRow(r, kGreen); break;
-            default: paintRow(r, kRed); break;
-            }
+            paintRow(r, colourOf(m_model.knownStatus(line)));
         }
     }
     if (!selected.isNone())
@@ -574,6 +585,28 @@ void GoodsTextView::ClearCheckedCnt(qint32 goodsId)
         line.SetValue(QStringLiteral("GoodsCheckedCnt"), 0);
 }
 
+qint32 GoodsTextView::GetPickedCntNew(qint32 goodsId, qint32 entryId) const
+{
+    return m_model.GetPickedCntNew(goodsId, entryId);
+}
+
+qint32 GoodsTextView::GetExcessCntNew(qint32 goodsId, qint32 entryId) const
+{
+    return m_model.GetExcessCntNew(goodsId, entryId);
+}
+
+void GoodsTextView::ClearCheckedCntNew(qint32 goodsId, qint32 entryId)
+{
+    if (goodsId == 0 || !m_model.hasList())
+        return;
+    GoodsRecord line = m_model.lineOf(goodsId, entryId);
+    if (line.isNone())
+        return;
+    line.SetValue(QStringLiteral("GoodsCheckedCnt"), 0);
+    if (const int r = rowOfKey(GoodsTextModel::rowKey(line)))
+        setCountCell(r, 0);
+}
+
 qint32 GoodsTextView::GetGoodsIndex(const QString& goodsId) const { return m_model.GetGoodsIndex(goodsId); }
 
 void GoodsTextView::SelectedGoodsByID(qint32 goodsId)
@@ -596,31 +629,28 @@ void GoodsTextView::SelectedGoodsByIDNew(qint32 goodsId, qint32 entryId)
     select(line, goodsId);
 }
 
-void GoodsTextView::SetCheckCntNew(const GoodsRecord& pickedCounts)
+void GoodsTextView::SetCheckCntNew(const GoodsRecord& lineStates)
 {
-    if (pickedCounts.isNone())
+    if (lineStates.isNone() || !m_model.hasList())
         return;
-    // A gap in the keys ends the restore there, on purpose.
-    for (int r = 1;; ++r) {
-        const QString key = QString::number(r);
-        if (!pickedCounts.Exists(key))
-            break;
-        const qint32 count = qint32(qBound(qint64(0), GoodsTextModel::wholeNumber(pickedCounts.GetValue(key)),
-                                                   qint64(std::numeric_limits<qint32>::max())));
-        setCountCell(r, count);
-        GoodsRecord line = m_model.line(r);
-        if (!line.isNone())
-            line.SetValue(QStringLiteral("GoodsCheckedCnt"), count);
+    const RecordList list = m_model.list();
+    RestoreLineStates(list, lineStates);
+    // Every row shows its line's count again, in the colour of its progress.
+    QuietRows quiet(*this);
+    const int rows = qMin(int(list.Count()), m_grid->rowCount());
+    for (int r = 1; r <= rows; ++r) {
+        const GoodsRecord line = lineOfRow(list, r);
+        fillRow(r, line);
+        paintRow(r, colourOf(m_model.knownStatus(line)));
     }
 }
 
-void GoodsTextView::GetCheckCntNew(const GoodsRecord& pickedCounts) const
+void GoodsTextView::GetCheckCntNew(const GoodsRecord& lineStates) const
 {
-    if (m_model.upperBound() < 1 || m_grid->rowCount() < 1)
+    if (m_model.upperBound() < 0)
         return;
-    GoodsRecord map = pickedCounts;
-    for (int r = 1; r <= m_grid->rowCount(); ++r)
-        map.Add(QString::number(r), qint32(GoodsTextModel::wholeNumber(cellText(r, ColCheckedCnt))));
+    GoodsRecord states = lineStates;
+    CaptureLineStates(m_model.list(), states);
 }
 
 // --- Click -----------------------------------------------------------------

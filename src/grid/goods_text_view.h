@@ -28,9 +28,10 @@ public:
     ~GoodsTextView() override;
 
     // --- Loading and layout ---
-    // Takes the module-wide goods set (GetGoodsLineSet) and fills rows 1..n
-    // from lines 1..n, all black; selects row 1 and raises GoodsSelected for
-    // line 1. Errors go to the error reporter; nothing throws.
+    // Takes the module-wide goods set (GetGoodsLineSet) and fills one row per
+    // line, row r from the set's r-th line, all black; selects row 1 and
+    // raises GoodsSelected for the first line. Errors go to the error
+    // reporter; nothing throws.
     void LoadPickingGoods();
     // Empties the grid; the list stays, so the counting operations keep working on it.
     void ClearGoods();
@@ -47,13 +48,17 @@ public:
     void PickingGoods(qint32 goodsId);
     // Adds 1 to the line of this goods and entry and writes it into that row.
     void PickingGoodsNew(qint32 goodsId, qint32 entryId);
-    // 0 short, 1 exactly picked, 2 over-picked; 0 when no line 1..n matches.
+    // 0 short, 1 exactly picked, 2 over-picked; 0 when no line matches.
     qint16 IsPicked(qint32 goodsId) const;
     qint16 IsPickedNew(qint32 goodsId, qint32 entryId) const;
     // min(picked, ordered) of the first line of this goods; 0 when none.
     qint32 GetPickedCnt(qint32 goodsId) const;
     // picked - ordered when over-picked, else 0.
     qint32 GetExcessCnt(qint32 goodsId) const;
+    // The same on the line of this goods and entry; the clear also writes its row.
+    qint32 GetPickedCntNew(qint32 goodsId, qint32 entryId) const;
+    qint32 GetExcessCntNew(qint32 goodsId, qint32 entryId) const;
+    void ClearCheckedCntNew(qint32 goodsId, qint32 entryId);
     // Writes "0" into the row found by the whole row key (if any) and sets the
     // first line of this goods back to 0.
     void ClearCheckedCnt(qint32 goodsId);
@@ -64,13 +69,13 @@ public:
     // with the first matching line; nothing for id <= 0 or no list.
     void SelectedGoodsByID(qint32 goodsId);
     void SelectedGoodsByIDNew(qint32 goodsId, qint32 entryId);
-    // Restores counts from a map keyed "1","2",...: row r and line r get the
-    // value of key "r"; stops at the first missing key.
-    void SetCheckCntNew(const GoodsRecord& pickedCounts);
-    // Adds "r" -> column 5 of row r for every row into the map (a shared
-    // record, filled through its handle; Add: a key already in the
-    // map raises HostError, callers pass an empty map).
-    void GetCheckCntNew(const GoodsRecord& pickedCounts) const;
+    // Puts each line's picking state back from a record of line states
+    // (CaptureLineStates), matched by goods and entry, and redraws every row
+    // with its count and colour.
+    void SetCheckCntNew(const GoodsRecord& lineStates);
+    // Adds every line's picking state to the record (a shared record, filled
+    // through its handle), keyed by goods and entry.
+    void GetCheckCntNew(const GoodsRecord& lineStates) const;
 
     // --- The grid's cell click (also what a mouse click on a cell runs) ---
     // row is the grid row (0 = title row, ignored). Errors are reported.

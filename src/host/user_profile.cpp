@@ -1,5 +1,8 @@
 // TolBase.UserProfile: keyed records saved per user, category and key in
-// t_UserProfile, one row per entry.
+// t_UserProfile, one row per entry. The table has exactly the columns FUserID,
+// FCategory, FKey, FName and FValue, as at every site: an entry is found by its
+// name, never by its row's place (SQLite hands rows back in the order they were
+// saved; a server may not).
 #include "host/middle_tier_values.h"
 #include "host/object_factory.h"
 #include "host/sql_engine.h"
@@ -17,7 +20,7 @@ public:
     {
         RecordsetPtr rows = SqlEngine::forProps(props)->executeBound(
             QStringLiteral("SELECT FName, FValue FROM t_UserProfile"
-                           " WHERE FUserID = ? AND FCategory = ? AND FKey = ? ORDER BY FIndex"),
+                           " WHERE FUserID = ? AND FCategory = ? AND FKey = ?"),
             {sessionUser(props), category, key});
         GoodsRecord profile;
         for (; !rows->isEOF(); rows->MoveNext())
@@ -39,9 +42,9 @@ public:
             for (int i = 0; i < record.Count(); ++i) {
                 const QVariant value = record.ValueAt(i);
                 engine->executeBound(
-                    QStringLiteral("INSERT INTO t_UserProfile (FUserID, FCategory, FKey, FIndex, FName, FValue)"
-                                   " VALUES (?, ?, ?, ?, ?, ?)"),
-                    {user, category, key, i, record.KeyAt(i), value.isNull() ? QVariant() : QVariant(value.toString())});
+                    QStringLiteral("INSERT INTO t_UserProfile (FUserID, FCategory, FKey, FName, FValue)"
+                                   " VALUES (?, ?, ?, ?, ?)"),
+                    {user, category, key, record.KeyAt(i), value.isNull() ? QVariant() : QVariant(value.toString())});
             }
         });
     }

@@ -20,7 +20,10 @@ void frmPickigGoods::OrderPassed(bool playSuccessPrompt)
     // stays unverified on the server and can be verified again.
     if (chkHaveSerial->isChecked())
         StoreSerialRows();
-    SavePickingStatus(CurrentOrderCode, true);
+    // An order the server does not hold as verified is never sent for
+    // delivery; it stays passed here, and a later pass or a re-pick saves again.
+    if (!SavePickingStatus(CurrentOrderCode, true))
+        return;
     if (m_DeliverOnPick)
         UpdateDelivery(CurrentOrderCode);
 }

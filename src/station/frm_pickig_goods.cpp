@@ -324,6 +324,15 @@ void frmPickigGoods::connectHandlers()
     connect(TxtID, &ScanLineEdit::enterPressed, this, &frmPickigGoods::TxtID_Enter);
     connect(TxtItemID, &ScanLineEdit::enterPressed, this, &frmPickigGoods::TxtItemID_Enter);
     connect(TxtNum, &ScanLineEdit::enterPressed, this, &frmPickigGoods::TxtNum_Enter);
+    // A scan of refused characters only is no scan: the code standing in the
+    // field is not taken again, only the end-of-scan reset runs.
+    connect(TxtID, &ScanLineEdit::refusedScanEntered, this, [this] { FocusAndSelect(TxtID); });
+    for (ScanLineEdit* field : {TxtItemID, TxtNum}) {
+        connect(field, &ScanLineEdit::refusedScanEntered, this, [this] {
+            TxtNum->setText(QStringLiteral("1"));
+            FocusAndSelect(TxtItemID);
+        });
+    }
     connect(TxtNum, &QLineEdit::textChanged, this, [this] { TxtNum_Change(); });
     connect(CmdBtnRePick, &QPushButton::clicked, this, [this] { CmdBtnRePick_Click(); });
     connect(chkHaveSerial, &QCheckBox::clicked, this, [this] { chkHaveSerial_Click(); });

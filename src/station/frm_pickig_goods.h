@@ -91,7 +91,8 @@ public:
     void WriteVerdict(int kind);                      // 0 excess, 1 missing, 2 wrong goods, 3 passed
     void UpdateProgress();                            // lblPickedNum picked "/" total, lblProgress width
     std::optional<GoodsRecord> OrderHeaderQuery(const QString& code);
-    void SavePickingStatus(const QString& code, bool done);
+    // False when the save failed; the worker has been told.
+    bool SavePickingStatus(const QString& code, bool done);
     void LoadOrder(const QString& code);
     void TxtID_Enter();
     bool IsGridView() const;
@@ -99,6 +100,9 @@ public:
 
     // --- goods scan, quantity, completion and re-pick ---
     void TxtItemID_Enter();
+    // The goods scan with its end-of-scan reset; true when the quantity in
+    // TxtNum was refused and nothing was counted.
+    bool scanGoodsCode();
     void TxtNum_Change();
     void TxtNum_Enter();
     void OrderPassed(bool playSuccessPrompt = true);   // the goods scan plays the prompt only for the last unit

@@ -77,20 +77,23 @@ public:
         return grid() ? int(m_form.GoodsTextView->IsPickedNew(m_itemId, m_entryId))
                       : int(m_form.GoodsListView->IsPicked(m_index));
     }
-    // The grid undoes by goods alone, as its plain operations find the first
-    // line of those goods.
+    // The undo before a typed quantity works on the line the quantity goes
+    // to: with the same goods on two entries, the first line's count is not
+    // the one being replaced.
     qint32 excessCnt()
     {
-        return grid() ? m_form.GoodsTextView->GetExcessCnt(m_itemId) : m_form.GoodsListView->GetExcessCnt(m_index);
+        return grid() ? m_form.GoodsTextView->GetExcessCntNew(m_itemId, m_entryId)
+                      : m_form.GoodsListView->GetExcessCnt(m_index);
     }
     qint32 pickedCnt()
     {
-        return grid() ? m_form.GoodsTextView->GetPickedCnt(m_itemId) : m_form.GoodsListView->GetPickedCnt(m_index);
+        return grid() ? m_form.GoodsTextView->GetPickedCntNew(m_itemId, m_entryId)
+                      : m_form.GoodsListView->GetPickedCnt(m_index);
     }
     void clearCheckedCnt()
     {
         if (grid())
-            m_form.GoodsTextView->ClearCheckedCnt(m_itemId);
+            m_form.GoodsTextView->ClearCheckedCntNew(m_itemId, m_entryId);
         else
             m_form.GoodsListView->ClearCheckedCnt(m_index);
     }
@@ -123,6 +126,8 @@ class GoodsScan {
 public:
     explicit GoodsScan(frmPickigGoods& form) : f(form) {}
     void run();
+    // The quantity in TxtNum was no whole number of pieces; nothing was counted.
+    bool quantityRefused() const { return m_quantityRefused; }
 
 private:
     bool lookUp();
@@ -137,6 +142,7 @@ private:
     bool m_serialMode = false;   // chkHaveSerial: the code is a serial number
     bool m_serialScan = false;   // ... and the serial was found
     qint32 m_quantity = 1;
+    bool m_quantityRefused = false;
     GoodsRecord m_line = GoodsRecord::none();   // the chosen order line
 };
 
@@ -158,6 +164,7 @@ void GoodsScan::run()
     const std::optional<qint32> quantity = ScanQuantity(f.TxtNum->text());
     if (!quantity) {
         f.SetMessage(QStringLiteral("商品数量只能为数值！"));
+        m_quantityRefused = true;
         return;
     }
     m_quantity = *quantity;
@@ -335,8 +342,16 @@ bool GoodsScan::shelfLifeFits(GoodsRecord& line)
 
 void frmPickigGoods::TxtItemID_Enter()
 {
+    scanGoodsCode();
+}
+
+bool frmPickigGoods::scanGoodsCode()
+{
+    bool quantityRefused = false;
     try {
-        GoodsScan(*this).run();
+        GoodsScan scan(*this);
+        scan.run();
+        quantityRefused = scan.quantityRefused();
     } catch (const HostError& e) {
         ReportError(e.number(), e.description(), this);
     } catch (const std::exception& e) {
@@ -347,4 +362,5 @@ void frmPickigGoods::TxtItemID_Enter()
     // Every path, errors included, leaves the station ready for the next scan.
     TxtNum->setText(QStringLiteral("1"));
     FocusAndSelect(TxtItemID);
+    return quantityRefused;
 }

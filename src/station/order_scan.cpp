@@ -237,24 +237,21 @@ void frmPickigGoods::RestoreOrder(const GoodsRecord& entry)
         PlayVoice(QStringLiteral("\\voice\\Succes.wav"));
     }
 
+    // Each line gets its counts and serials back by goods and entry.
     const QVariant stored = entry.GetValue(QStringLiteral("PickedNum"));
-    const GoodsRecord counts = stored.canConvert<GoodsRecord>() ? stored.value<GoodsRecord>() : GoodsRecord::none();
-    if (!counts.isNone()) {
+    const GoodsRecord states = stored.canConvert<GoodsRecord>() ? stored.value<GoodsRecord>() : GoodsRecord::none();
+    if (!states.isNone()) {
         if (IsGridView())
-            GoodsTextView->SetCheckCntNew(counts);
+            GoodsTextView->SetCheckCntNew(states);
         else
-            GoodsListView->SetCheckCntNew(counts);
+            GoodsListView->SetCheckCntNew(states);
     }
     // Picked is what the lines hold up to their ordered counts; the rest was excess.
     qint32 picked = 0;
     const RecordList lines = GetGoodsLineSet();
     for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
-        GoodsRecord line = lines.Item(i);
-        const qint64 onLine = qMin(numberOf(line, QStringLiteral("GoodsCheckedCnt")), numberOf(line, QStringLiteral("GoodsOrderCnt")));
-        picked += qint32(onLine);
-        // Lines read again know nothing of the units already taken for them.
-        if (reload)
-            line.SetValue(QStringLiteral("GoodsPickCnt"), onLine);
+        const GoodsRecord line = lines.Item(i);
+        picked += qint32(qMin(numberOf(line, QStringLiteral("GoodsCheckedCnt")), numberOf(line, QStringLiteral("GoodsOrderCnt"))));
     }
     m_PickedNum = picked;
     UpdateProgress();
@@ -270,7 +267,7 @@ void frmPickigGoods::RefuseOrder()
     ImgSuccess->hide();
 }
 
-void frmPickigGoods::SavePickingStatus(const QString& code, bool done)
+bool frmPickigGoods::SavePickingStatus(const QString& code, bool done)
 {
     try {
         GoodsRecord record;
@@ -279,11 +276,13 @@ void frmPickigGoods::SavePickingStatus(const QString& code, bool done)
         record.SetValue(QStringLiteral("sProps"), GetPropsString());
         record.SetValue(QStringLiteral("FPickingGoodsstatus"), done ? 1 : 0);
         CreateServerObjectAs<ISaveData>(ProgIds::SaveData)->SavePickingGoods(record);
+        return true;
     } catch (const HostError& e) {
         ShowHostMessage(e.description(), this);
     } catch (const std::exception& e) {
         ShowHostMessage(QString::fromLocal8Bit(e.what()), this);
     }
+    return false;
 }
 
 bool frmPickigGoods::CurrentOrderPassed(qint32 total) const
@@ -307,7 +306,7 @@ bool frmPickigGoods::LogLeavingVerdict()
     const VerdictText verdict = ComposeVerdict(code, m_ExcessNum, m_MissingNum, m_ErrorNum);
     lblPickInfo->setText(LoadString(PickInfoFor(m_ExcessNum, m_ErrorNum)));
     logVerdict(code, verdict.text, verdict.success);
-    // Keep the picked counts, so the order can come back as it was left.
+    // Keep every line's picking state, so the order can come back as it was left.
     sessionEntry(code).SetValue(QStringLiteral("PickedNum"), QVariant::fromValue(activeViewCounts()));
     return passed;
 }

@@ -44,9 +44,10 @@ void frmPickigGoods::TxtNum_Enter()
             SetMessage(kNotNumeric);
             return;
         }
-        TxtItemID_Enter();
         // The scan's own message gives way: the worker sees the verdict and
-        // the prompt instead.
-        SetMessage(QString());
+        // the prompt instead. A refused quantity keeps its message, or the
+        // worker would not know why nothing was counted.
+        if (!scanGoodsCode())
+            SetMessage(QString());
     });
 }

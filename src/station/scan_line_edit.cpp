@@ -10,7 +10,7 @@ namespace {
 // refused characters out before the field shows them.
 class RefusingValidator : public QValidator {
 public:
-    using QValidator::QValidator;
+    explicit RefusingValidator(ScanLineEdit* field) : QValidator(field), m_field(field) {}
     State validate(QString& input, int& pos) const override
     {
         QString kept;
@@ -27,9 +27,13 @@ public:
         if (kept.size() != input.size()) {
             input = kept;
             pos = qBound(0, newPos, int(kept.size()));
+            m_field->noteRefused();
         }
         return Acceptable;
     }
+
+private:
+    ScanLineEdit* m_field;
 };
 
 } // namespace
@@ -37,6 +41,7 @@ public:
 ScanLineEdit::ScanLineEdit(QWidget* parent) : QLineEdit(parent)
 {
     setValidator(new RefusingValidator(this));
+    connect(this, &QLineEdit::textEdited, this, [this] { m_editedInScan = true; });
 }
 
 bool ScanLineEdit::isRefused(QChar c)
@@ -73,10 +78,16 @@ void ScanLineEdit::keyPressEvent(QKeyEvent* event)
 {
     switch (event->key()) {
     case Qt::Key_Return:
-    case Qt::Key_Enter:
+    case Qt::Key_Enter: {
         event->accept();
-        emit enterPressed();
+        const bool refusedOnly = m_refusedInScan && !m_editedInScan;
+        m_refusedInScan = m_editedInScan = false;
+        if (refusedOnly)
+            emit refusedScanEntered();
+        else
+            emit enterPressed();
         return;
+    }
     default:
         break;
     }
@@ -100,6 +111,7 @@ void ScanLineEdit::keyPressEvent(QKeyEvent* event)
         }
         if (anyPrintable && anyRefusedPrintable && cleaned(text).isEmpty()) {
             event->accept();
+            m_refusedInScan = true;
             return;
         }
     }
@@ -122,6 +134,8 @@ void ScanLineEdit::mouseDoubleClickEvent(QMouseEvent* event)
 
 void ScanLineEdit::focusInEvent(QFocusEvent* event)
 {
+    // Coming into the field starts a new scan.
+    m_refusedInScan = m_editedInScan = false;
     QLineEdit::focusInEvent(event);
     if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
         emit focusEntered();

@@ -4,6 +4,10 @@
 // control character, are taken out on every path into the field (keys, paste,
 // drop, setText). Enter, clicks, focus changes and function keys are raised as
 // signals so that the form's handlers stay in the form.
+//
+// A scan is what came into the field since the last Enter. When every
+// character of it was refused, Enter raises refusedScanEntered instead of
+// enterPressed: the text still standing in the field is not scanned again.
 #include <QLineEdit>
 
 class ScanLineEdit : public QLineEdit {
@@ -16,8 +20,13 @@ public:
     // The text without the refused characters.
     static QString cleaned(const QString& text);
 
+    // Marks the scan: a character refused, a change kept. Used by the
+    // field's own key and text handling.
+    void noteRefused() { m_refusedInScan = true; }
+
 signals:
     void enterPressed();
+    void refusedScanEntered();
     void clicked();
     void doubleClicked();
     // Focus moves inside the window; a window being activated or left is no
@@ -32,4 +41,8 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    bool m_refusedInScan = false;
+    bool m_editedInScan = false;
 };

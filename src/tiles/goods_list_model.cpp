@@ -1,4 +1,5 @@
 #include "tiles/goods_list_model.h"
+#include "orderdata/line_picking_state.h"
 #include "host/host_error.h"
 #include "host/platform.h"
 #include "tiles/goods_view.h"
@@ -299,20 +300,17 @@ void GoodsListModel::SetCheckCnt(const GoodsRecord& table)
     }
 }
 
-void GoodsListModel::GetCheckCntNew(GoodsRecord& table) const
+void GoodsListModel::GetCheckCntNew(GoodsRecord& lineStates) const
 {
-    GetCheckCnt(table);
+    CaptureLineStates(m_records, lineStates);
 }
 
-void GoodsListModel::SetCheckCntNew(const GoodsRecord& table)
+void GoodsListModel::SetCheckCntNew(const GoodsRecord& lineStates)
 {
-    // The grid view numbers its rows from 1; its table starts at "1".
-    int i = table.Exists(QStringLiteral("0")) ? 0 : 1;
-    for (;; ++i) {
-        const QString key = QString::number(i);
-        if (!table.Exists(key) || i > highestTileIndex())
-            return;
-        setCheckedCnt(i, toInt32(table.GetValue(key)));
+    RestoreLineStates(m_records, lineStates);
+    // The tiles show the restored counts, with the marks they call for.
+    for (int i = 0; i < count(); ++i) {
+        refreshFromRecord(i);
         const GoodsTileState& t = m_tiles[size_t(i)];
         setOkShow(i, t.checkedCnt == t.orderCnt);
         setWarningShow(i, t.checkedCnt > t.orderCnt);

@@ -74,12 +74,11 @@ public:
     void GetCheckCnt(GoodsRecord& table) const;
     // Restores "0", "1", ... up to the first missing key; marks untouched.
     void SetCheckCnt(const GoodsRecord& table);
-    // Same table as GetCheckCnt.
-    void GetCheckCntNew(GoodsRecord& table) const;
-    // Like SetCheckCnt, but a table without "0" (as the grid view writes it,
-    // from "1") is read from "1", and the marks of every restored line are
-    // evaluated again so a restored order shows its OK and alter marks.
-    void SetCheckCntNew(const GoodsRecord& table);
+    // The station's save and restore of a line's whole picking state (counts
+    // and serials), keyed by goods and entry (CaptureLineStates); the restore
+    // shows the counts again and evaluates every line's marks.
+    void GetCheckCntNew(GoodsRecord& lineStates) const;
+    void SetCheckCntNew(const GoodsRecord& lineStates);
 
     // ---- look-ups
     bool GoodsIDExists(const QString& goodsId) const;

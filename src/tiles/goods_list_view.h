@@ -77,10 +77,10 @@ public:
     void GetCheckCnt(GoodsRecord& table) const;
     // Restores up to the first missing key; marks are left as they are.
     void SetCheckCnt(const GoodsRecord& table);
-    // The station's save/restore pair: same table; SetCheckCntNew also reads
-    // a table that starts at "1" (the grid's) and re-evaluates the marks.
-    void GetCheckCntNew(GoodsRecord& table) const;
-    void SetCheckCntNew(const GoodsRecord& table);
+    // The station's save and restore of every line's picking state, keyed by
+    // goods and entry (CaptureLineStates); the restore re-evaluates the marks.
+    void GetCheckCntNew(GoodsRecord& lineStates) const;
+    void SetCheckCntNew(const GoodsRecord& lineStates);
 
     // ---- look-ups
     bool GoodsIDExists(const QString& goodsId) const;

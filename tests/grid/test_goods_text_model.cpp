@@ -23,12 +23,15 @@ QList<int> goodsOrder(const RecordList& list)
 
 } // namespace
 
-TEST(GoodsTextModel, CountsOneLineThroughShortCompleteAndExcess)
+TEST(GoodsTextModel, CountsEveryLineThroughShortCompleteAndExcess)
 {
+    // The order's first line is asked about like any other.
     RecordList list;
-    list.Add(line(99, 1, 5, 0));          // index 0: never asked about by the index walks
     GoodsRecord g = line(25, 7, 2, 0);
     list.Add(g);
+    list.Add(line(99, 1, 5, 0));
+    GoodsRecord again = line(25, 8, 1, 0);   // the same goods on a later entry
+    list.Add(again);
     GoodsTextModel model;
     model.setList(list);
 
@@ -44,13 +47,19 @@ TEST(GoodsTextModel, CountsOneLineThroughShortCompleteAndExcess)
     EXPECT_EQ(model.IsPickedNew(25, 7), GoodsTextModel::Excess);
     EXPECT_EQ(model.GetPickedCnt(25), 2);
     EXPECT_EQ(model.GetExcessCnt(25), 1);
-    EXPECT_EQ(list.Item(1).GetValue("GoodsCheckedCnt").toInt(), 3);   // written into the shared line
+    EXPECT_EQ(list.Item(0).GetValue("GoodsCheckedCnt").toInt(), 3);   // written into the shared line
 
-    // Index 0 is outside the index walks but found by the list searches.
-    EXPECT_EQ(model.IsPicked(99), GoodsTextModel::Short);
-    EXPECT_EQ(model.shownIndexOf(99), -1);
-    EXPECT_TRUE(model.firstLine(99).sameRecord(list.Item(0)));
+    // The plain operations answer for the first line of the goods, the
+    // entry-aware ones for the line named.
     EXPECT_EQ(model.IsPickedNew(25, 8), GoodsTextModel::Short);
+    GoodsTextModel::addOne(again);
+    GoodsTextModel::addOne(again);
+    EXPECT_EQ(model.GetExcessCntNew(25, 8), 1);
+    EXPECT_EQ(model.GetPickedCntNew(25, 8), 1);
+    EXPECT_EQ(model.GetExcessCnt(25), 1);
+    EXPECT_EQ(model.GetPickedCntNew(25, 9), 0);
+    EXPECT_EQ(model.IsPicked(99), GoodsTextModel::Short);
+    EXPECT_EQ(model.indexOf(99), 1);
     EXPECT_EQ(model.GetPickedCnt(0), 0);
     EXPECT_EQ(model.GetExcessCnt(31), 0);
 
@@ -75,7 +84,8 @@ TEST(GoodsTextModel, GoodsIndexTellsBlankFromUnknownAndRowKeysJoinIds)
     EXPECT_EQ(model.GetGoodsIndex("777"), -1);
     EXPECT_EQ(model.GetGoodsIndex("11"), 0);
     EXPECT_EQ(model.GetGoodsIndex("25"), 1);
-    EXPECT_EQ(model.shownIndexOf(25, 8), 2);
+    EXPECT_EQ(model.indexOf(25, 8), 2);
+    EXPECT_EQ(model.indexOf(11, 1), 0);
     EXPECT_TRUE(model.lineOf(25, 8).sameRecord(list.Item(2)));
     EXPECT_TRUE(model.lineOf(25, 9).isNone());
 

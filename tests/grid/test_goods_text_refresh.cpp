@@ -19,7 +19,7 @@ QString number(const GoodsRecord& line, const char* key)
     return QString::number(GoodsTextModel::wholeNumber(line.GetValue(QString::fromLatin1(key), 0)));
 }
 
-// Row r as a full refill writes it from line r, and its colour after a refresh.
+// Row r as a full refill writes it from the set's r-th line, and its colour after a refresh.
 void expectRowShowsLine(const GoodsTextView& view, int r, const GoodsRecord& line, const std::string& when)
 {
     SCOPED_TRACE(when + ", row " + std::to_string(r));
@@ -41,8 +41,7 @@ class GoodsTextRefreshTest : public OrderFixture {};
 
 TEST_F(GoodsTextRefreshTest, CellsWrittenOutsideARefillAreRefilled)
 {
-    RecordList set = load({{1, 900, "占位", "", "", 1},
-                           {2, 1, "一号", "", "", 5},
+    RecordList set = load({{2, 1, "一号", "", "", 5},
                            {5, 12, "十二号", "", "", 5},
                            {7, 30, "三十号", "", "", 1}});
     GoodsTextView view;
@@ -53,7 +52,7 @@ TEST_F(GoodsTextRefreshTest, CellsWrittenOutsideARefillAreRefilled)
     view.PickingGoods(12);
     ASSERT_EQ(view.cellText(1, GoodsTextView::ColCheckedCnt), "1");
     view.RefreshGoodsNew(30, 7);
-    expectRowShowsLine(view, 1, set.Item(1), "after the whole-key count");
+    expectRowShowsLine(view, 1, set.Item(0), "after the whole-key count");
     EXPECT_EQ(view.cellText(1, GoodsTextView::ColCheckedCnt), "0");
 
     // The same with ClearCheckedCnt and a line written behind the view's back.
@@ -61,24 +60,28 @@ TEST_F(GoodsTextRefreshTest, CellsWrittenOutsideARefillAreRefilled)
     view.PickingGoodsNew(1, 2);
     view.RefreshGoodsNew(1, 2);
     view.ClearCheckedCnt(12);   // writes "0" into row 1, line 12 gets 0
-    set.Item(3).SetValue("GoodsName", "改名");
+    set.Item(2).SetValue("GoodsName", "改名");
     view.RefreshGoodsNew(1, 2);
     for (int r = 1; r <= 3; ++r)
-        expectRowShowsLine(view, r, set.Item(r), "after clear and rename");
+        expectRowShowsLine(view, r, set.Item(r - 1), "after clear and rename");
     EXPECT_EQ(view.cellText(3, GoodsTextView::ColName), "改名");
 
     // Restored counts go through the rows too.
-    GoodsRecord counts;
-    counts.Add("1", 4);
-    view.SetCheckCntNew(counts);
+    GoodsRecord states;
+    view.GetCheckCntNew(states);
+    set.Item(0).SetValue("GoodsCheckedCnt", 4);
+    set.Item(1).SetValue("GoodsCheckedCnt", 3);
+    view.SetCheckCntNew(states);
+    for (int r = 1; r <= 3; ++r)
+        expectRowShowsLine(view, r, set.Item(r - 1), "after a restore");
     view.RefreshGoodsNew(1, 2);
     for (int r = 1; r <= 3; ++r)
-        expectRowShowsLine(view, r, set.Item(r), "after a restore");
+        expectRowShowsLine(view, r, set.Item(r - 1), "after a restore and a refresh");
 }
 
 TEST_F(GoodsTextRefreshTest, RandomCountingThenRefreshMatchesAFullRefill)
 {
-    std::vector<OrderRow> rows{{1, 900, "占位", "", "", 1}};
+    std::vector<OrderRow> rows;
     for (int i = 1; i <= 40; ++i)
         rows.push_back({100 + i, 5000 + i % 30, QStringLiteral("商品%1").arg(i), QStringLiteral("69%1").arg(i), "", 1 + i % 3});
     RecordList set = load(rows);
@@ -87,7 +90,7 @@ TEST_F(GoodsTextRefreshTest, RandomCountingThenRefreshMatchesAFullRefill)
 
     std::mt19937 random(7);
     for (int step = 0; step < 400; ++step) {
-        const int index = 1 + int(random() % 40);
+        const int index = int(random() % 40);
         const GoodsRecord line = set.Item(index);
         const qint32 goods = line.GetValue("GoodsID").toInt();
         const qint32 entry = line.GetValue("FEntryID").toInt();
@@ -110,7 +113,7 @@ TEST_F(GoodsTextRefreshTest, RandomCountingThenRefreshMatchesAFullRefill)
             view.RefreshGoodsNew(goods, entry);
             ASSERT_EQ(view.rowCount(), 40);
             for (int r = 1; r <= 40; ++r)
-                expectRowShowsLine(view, r, set.Item(r), "step " + std::to_string(step));
+                expectRowShowsLine(view, r, set.Item(r - 1), "step " + std::to_string(step));
             ASSERT_FALSE(HasFailure());
             break;
         }
@@ -118,7 +121,7 @@ TEST_F(GoodsTextRefreshTest, RandomCountingThenRefreshMatchesAFullRefill)
     // The order still holds every line once, unfinished ones first.
     bool seenDone = false;
     for (int r = 1; r <= 40; ++r) {
-        const bool done = GoodsTextModel::status(set.Item(r)) != 0;
+        const bool done = GoodsTextModel::status(set.Item(r - 1)) != 0;
         EXPECT_FALSE(seenDone && !done) << "row " << r;
         seenDone = seenDone || done;
     }
@@ -147,8 +150,7 @@ public:
 
 TEST_F(GoodsTextRefreshTest, RowNumbersOfOneColourShareOnePalette)
 {
-    RecordList set = load({{1, 900, "占位", "", "", 1},
-                           {2, 10, "甲", "", "", 1},
+    RecordList set = load({{2, 10, "甲", "", "", 1},
                            {3, 20, "乙", "", "", 2},
                            {4, 30, "丙", "", "", 1},
                            {5, 40, "丁", "", "", 3}});

@@ -45,10 +45,9 @@ QString screenshotDir()
 
 class GoodsTextViewTest : public OrderFixture {};
 
-TEST_F(GoodsTextViewTest, LoadShowsLinesOneToNWithTitlesTagsAndLocks)
+TEST_F(GoodsTextViewTest, LoadShowsEveryLineWithTitlesTagsAndLocks)
 {
-    load({{70, 900, "隐藏行", "000", "", 1},
-          {71, 25, "蓝牙耳机", "6901234567890", "X-1", 2, 0},
+    load({{71, 25, "蓝牙耳机", "6901234567890", "X-1", 2, 0},
           {72, 31, "手机壳", "6907777000011", "", 1, 3},
           {73, 25, "蓝牙耳机", "6901234567890", "X-1", 4, 0}});
     GoodsTextView view;
@@ -56,7 +55,7 @@ TEST_F(GoodsTextViewTest, LoadShowsLinesOneToNWithTitlesTagsAndLocks)
     selected.attach(view);
     view.LoadPickingGoods();
 
-    ASSERT_EQ(view.rowCount(), 3);   // index 0 is not shown
+    ASSERT_EQ(view.rowCount(), 3);   // one row per line, the first line in row 1
     for (int r = 1; r <= 3; ++r) {
         EXPECT_EQ(view.cellText(r, 0), QString::number(r));
         EXPECT_EQ(view.rowColor(r), Black);
@@ -74,7 +73,7 @@ TEST_F(GoodsTextViewTest, LoadShowsLinesOneToNWithTitlesTagsAndLocks)
     EXPECT_EQ(view.rowKey(2), "3172");
 
     ASSERT_EQ(selected.lines.size(), 1);
-    EXPECT_TRUE(selected.lines[0].sameRecord(GetGoodsLineSet().Item(1)));
+    EXPECT_TRUE(selected.lines[0].sameRecord(GetGoodsLineSet().Item(0)));
     EXPECT_EQ(view.activeRow(), 1);
     EXPECT_EQ(CurrentGoodsID(), "25");
 
@@ -117,15 +116,14 @@ TEST_F(GoodsTextViewTest, TitlesPassThroughTheLanguageLookup)
 
 TEST_F(GoodsTextViewTest, RefreshPutsOpenLinesFirstAndColoursByProgress)
 {
-    RecordList set = load({{1, 900, "占位", "", "", 1},
-                           {2, 10, "A 茶杯", "", "", 2},
+    RecordList set = load({{2, 10, "A 茶杯", "", "", 2},
                            {3, 20, "B 茶壶", "", "", 1},
                            {4, 30, "C 茶盘", "", "", 1},
                            {5, 40, "D 茶叶", "", "", 4}});
     GoodsTextView view;
     view.LoadPickingGoods();
-    set.Item(1).SetValue("GoodsCheckedCnt", 2);
-    set.Item(3).SetValue("GoodsCheckedCnt", 3);
+    set.Item(0).SetValue("GoodsCheckedCnt", 2);
+    set.Item(2).SetValue("GoodsCheckedCnt", 3);
     GoodsRecord current;
     current.Add("FItemID", 30);
     SetCurrentGoodsLine(current);
@@ -145,17 +143,17 @@ TEST_F(GoodsTextViewTest, RefreshPutsOpenLinesFirstAndColoursByProgress)
     EXPECT_TRUE(view.rowColorUniform(3) && view.rowColorUniform(4));
     EXPECT_EQ(view.cellText(4, GoodsTextView::ColCheckedCnt), "3");
     EXPECT_EQ(view.rowKey(4), "304");
-    // The shared set itself is reordered, placeholder line still first.
-    EXPECT_EQ(set.Item(0).GetValue("GoodsID").toInt(), 900);
-    EXPECT_EQ(set.Item(4).GetValue("GoodsID").toInt(), 30);
+    // The shared set itself is reordered.
+    EXPECT_EQ(set.Item(0).GetValue("GoodsID").toInt(), 20);
+    EXPECT_EQ(set.Item(3).GetValue("GoodsID").toInt(), 30);
     ASSERT_EQ(selected.lines.size(), 1);
-    EXPECT_TRUE(selected.lines[0].sameRecord(set.Item(4)));
+    EXPECT_TRUE(selected.lines[0].sameRecord(set.Item(3)));
     EXPECT_EQ(view.activeRow(), 4);
     EXPECT_EQ(CurrentGoodsID(), "30");
 
     // Without a current goods the refresh only refills: no selection, colours kept.
     SetCurrentGoodsLine(GoodsRecord::none());
-    set.Item(1).SetValue("GoodsCheckedCnt", 1);   // B becomes complete
+    set.Item(0).SetValue("GoodsCheckedCnt", 1);   // B becomes complete
     view.RefreshGoods();
     EXPECT_EQ(selected.lines.size(), 1);
     EXPECT_EQ(view.cellText(2, GoodsTextView::ColName), "B 茶壶");
@@ -164,7 +162,7 @@ TEST_F(GoodsTextViewTest, RefreshPutsOpenLinesFirstAndColoursByProgress)
 
 TEST_F(GoodsTextViewTest, RefreshNewReselectsTheNamedEntry)
 {
-    load({{1, 900, "占位", "", "", 1}, {7, 25, "耳机", "", "", 1}, {8, 25, "耳机", "", "", 2}, {9, 26, "线", "", "", 1}});
+    load({{7, 25, "耳机", "", "", 1}, {8, 25, "耳机", "", "", 2}, {9, 26, "线", "", "", 1}});
     GoodsTextView view;
     view.LoadPickingGoods();
     SelectionLog selected;
@@ -180,8 +178,7 @@ TEST_F(GoodsTextViewTest, RefreshNewReselectsTheNamedEntry)
 
 TEST_F(GoodsTextViewTest, PlainCountingFindsRowsByTheWholeKey)
 {
-    RecordList set = load({{1, 900, "占位", "", "", 1},
-                           {7, 25, "耳机", "", "", 2},
+    RecordList set = load({{7, 25, "耳机", "", "", 2},
                            {8, 25, "耳机", "", "", 2},
                            {2, 1, "一号", "", "", 5},
                            {5, 12, "十二号", "", "", 5}});
@@ -191,33 +188,32 @@ TEST_F(GoodsTextViewTest, PlainCountingFindsRowsByTheWholeKey)
 
     view.PickingGoods(25);
     view.PickingGoods(25);
-    EXPECT_EQ(set.Item(1).GetValue("GoodsCheckedCnt").toInt(), 2);   // always the first entry
-    EXPECT_EQ(set.Item(2).GetValue("GoodsCheckedCnt").toInt(), 0);
+    EXPECT_EQ(set.Item(0).GetValue("GoodsCheckedCnt").toInt(), 2);   // always the first entry
+    EXPECT_EQ(set.Item(1).GetValue("GoodsCheckedCnt").toInt(), 0);
     EXPECT_EQ(view.cellText(1, GoodsTextView::ColCheckedCnt), "0");   // key "257" is not 25
     EXPECT_EQ(view.IsPicked(25), 1);
 
     view.PickingGoodsNew(25, 8);
-    EXPECT_EQ(set.Item(2).GetValue("GoodsCheckedCnt").toInt(), 1);
+    EXPECT_EQ(set.Item(1).GetValue("GoodsCheckedCnt").toInt(), 1);
     EXPECT_EQ(view.cellText(2, GoodsTextView::ColCheckedCnt), "1");
     EXPECT_EQ(view.IsPickedNew(25, 8), 0);
     EXPECT_EQ(view.fpGoods()->item(0, GoodsTextView::ColCheckedCnt - 1), countCell);   // updated in place
 
     // Goods 12's count lands in the row whose key "12" is goods 1, entry 2.
     view.PickingGoods(12);
-    EXPECT_EQ(set.Item(4).GetValue("GoodsCheckedCnt").toInt(), 1);
+    EXPECT_EQ(set.Item(3).GetValue("GoodsCheckedCnt").toInt(), 1);
     EXPECT_EQ(view.cellText(3, GoodsTextView::ColCheckedCnt), "1");
     EXPECT_EQ(view.cellText(4, GoodsTextView::ColCheckedCnt), "0");
 
     view.PickingGoods(0);
     view.PickingGoodsNew(25, 99);
-    EXPECT_EQ(set.Item(1).GetValue("GoodsCheckedCnt").toInt(), 2);
-    EXPECT_EQ(set.Item(2).GetValue("GoodsCheckedCnt").toInt(), 1);
+    EXPECT_EQ(set.Item(0).GetValue("GoodsCheckedCnt").toInt(), 2);
+    EXPECT_EQ(set.Item(1).GetValue("GoodsCheckedCnt").toInt(), 1);
 }
 
 TEST_F(GoodsTextViewTest, ClearCheckedCntResetsTheLineEvenWithoutARow)
 {
-    RecordList set = load({{1, 900, "占位", "", "", 1}, {7, 25, "耳机", "", "", 2}, {2, 1, "一号", "", "", 5},
-                           {5, 12, "十二号", "", "", 5}});
+    RecordList set = load({{7, 25, "耳机", "", "", 2}, {2, 1, "一号", "", "", 5}, {5, 12, "十二号", "", "", 5}});
     GoodsTextView view;
     view.LoadPickingGoods();
     view.PickingGoodsNew(25, 7);
@@ -225,7 +221,7 @@ TEST_F(GoodsTextViewTest, ClearCheckedCntResetsTheLineEvenWithoutARow)
     view.PickingGoodsNew(25, 7);
     EXPECT_EQ(view.GetExcessCnt(25), 1);
     view.ClearCheckedCnt(25);
-    EXPECT_EQ(set.Item(1).GetValue("GoodsCheckedCnt").toInt(), 0);
+    EXPECT_EQ(set.Item(0).GetValue("GoodsCheckedCnt").toInt(), 0);
     EXPECT_EQ(view.cellText(1, GoodsTextView::ColCheckedCnt), "3");   // no row keyed "25"
     EXPECT_EQ(view.GetExcessCnt(25), 0);
 
@@ -234,39 +230,48 @@ TEST_F(GoodsTextViewTest, ClearCheckedCntResetsTheLineEvenWithoutARow)
     view.ClearCheckedCnt(12);   // row "12" is goods 1's row
     EXPECT_EQ(view.cellText(2, GoodsTextView::ColCheckedCnt), "0");
     EXPECT_EQ(view.cellText(3, GoodsTextView::ColCheckedCnt), "1");
-    EXPECT_EQ(set.Item(3).GetValue("GoodsCheckedCnt").toInt(), 0);
-    EXPECT_EQ(set.Item(2).GetValue("GoodsCheckedCnt").toInt(), 1);
+    EXPECT_EQ(set.Item(2).GetValue("GoodsCheckedCnt").toInt(), 0);
+    EXPECT_EQ(set.Item(1).GetValue("GoodsCheckedCnt").toInt(), 1);
 }
 
-TEST_F(GoodsTextViewTest, CheckCountMapRestoresUpToTheFirstGap)
+TEST_F(GoodsTextViewTest, PickingStateComesBackOnTheSameLinesWhateverTheirOrder)
 {
-    RecordList set = load({{1, 900, "占位", "", "", 9}, {2, 10, "甲", "", "", 9}, {3, 11, "乙", "", "", 9},
-                           {4, 12, "丙", "", "", 9}, {5, 13, "丁", "", "", 9}});
+    const std::vector<OrderRow> rows{{2, 10, "甲", "", "", 2}, {3, 11, "乙", "", "", 1}, {4, 11, "乙", "", "", 3},
+                                     {5, 12, "丙", "", "", 1}};
+    load(rows);
     GoodsTextView view;
     view.LoadPickingGoods();
-    GoodsRecord map;
-    map.Add("1", 3);
-    map.Add("2", "5");
-    map.Add("4", 7);
-    view.SetCheckCntNew(map);
-    EXPECT_EQ(view.cellText(1, GoodsTextView::ColCheckedCnt), "3");
-    EXPECT_EQ(view.cellText(2, GoodsTextView::ColCheckedCnt), "5");
-    EXPECT_EQ(view.cellText(4, GoodsTextView::ColCheckedCnt), "0");
-    EXPECT_EQ(set.Item(2).GetValue("GoodsCheckedCnt").toInt(), 5);
-    EXPECT_EQ(set.Item(4).GetValue("GoodsCheckedCnt").toInt(), 0);
-    EXPECT_EQ(set.Item(0).GetValue("GoodsCheckedCnt").toInt(), 0);
+    view.PickingGoodsNew(10, 2);
+    view.PickingGoodsNew(11, 4);
+    view.PickingGoodsNew(12, 5);
+    view.PickingGoodsNew(12, 5);
+    GetGoodsLineSet().Item(2).SetValue("FSeriNum", ",SN-1");
+    view.RefreshGoodsNew(12, 5);   // the grid reorders the set
+    GoodsRecord states;
+    view.GetCheckCntNew(states);
+    EXPECT_EQ(states.Count(), 4);
 
-    GoodsRecord out;
-    view.GetCheckCntNew(out);
-    EXPECT_EQ(out.Keys(), (QStringList{"1", "2", "3", "4"}));
-    EXPECT_EQ(out.GetValue("2").toInt(), 5);
-    EXPECT_EQ(out.GetValue("4").toInt(), 0);
-    EXPECT_THROW(view.GetCheckCntNew(out), HostError);   // keys are added, not replaced
+    // The order comes back from the database in another order.
+    load(std::vector<OrderRow>(rows.rbegin(), rows.rend()));
+    view.LoadPickingGoods();
+    view.SetCheckCntNew(states);
+    QStringList shown;
+    for (int r = 1; r <= view.rowCount(); ++r)
+        shown << view.rowKey(r) + "=" + view.cellText(r, GoodsTextView::ColCheckedCnt);
+    EXPECT_EQ(shown, (QStringList{"125=2", "114=1", "113=0", "102=1"}));
+    EXPECT_EQ(view.rowColor(1), Red);
+    EXPECT_EQ(view.rowColor(3), Black);
+    EXPECT_EQ(view.rowColor(4), Black);
+    const RecordList set = GetGoodsLineSet();
+    EXPECT_EQ(set.Item(1).GetValue("FSeriNum").toString(), ",SN-1");
+    EXPECT_EQ(set.Item(1).GetValue("GoodsCheckedCnt").toInt(), 1);
+    EXPECT_EQ(view.IsPickedNew(12, 5), 2);
+    EXPECT_EQ(view.GetPickedCnt(10), 1);
 }
 
 TEST_F(GoodsTextViewTest, SelectionStoresTheCurrentIdsAndRaisesOnce)
 {
-    load({{1, 900, "占位", "", "", 1}, {7, 25, "耳机", "", "", 1}, {8, 25, "耳机", "", "", 1}});
+    load({{7, 25, "耳机", "", "", 1}, {8, 25, "耳机", "", "", 1}});
     GoodsTextView view;
     SelectionLog selected;
     view.SelectedGoodsByID(25);   // nothing loaded yet
@@ -288,7 +293,7 @@ TEST_F(GoodsTextViewTest, SelectionStoresTheCurrentIdsAndRaisesOnce)
 
 TEST_F(GoodsTextViewTest, ClicksOnCellsSelectAndHeaderClicksDoNot)
 {
-    load({{1, 900, "占位", "", "", 1}, {7, 25, "耳机", "", "", 1}, {8, 25, "耳机", "", "", 1}, {9, 26, "线", "", "", 1}});
+    load({{7, 25, "耳机", "", "", 1}, {8, 25, "耳机", "", "", 1}, {9, 26, "线", "", "", 1}});
     GoodsTextView view;
     view.resize(900, 400);
     view.show();
@@ -317,7 +322,7 @@ TEST_F(GoodsTextViewTest, ClicksOnCellsSelectAndHeaderClicksDoNot)
 
 TEST_F(GoodsTextViewTest, ResizeToNothingKeepsTheGridAndErrorsGoToTheReporter)
 {
-    RecordList set = load({{1, 900, "占位", "", "", 1}, {2, 10, "甲", "", "", 1}});
+    RecordList set = load({{2, 10, "甲", "", "", 1}});
     GoodsTextView view;
     view.show();
     view.resize(600, 300);
@@ -335,7 +340,7 @@ TEST_F(GoodsTextViewTest, ResizeToNothingKeepsTheGridAndErrorsGoToTheReporter)
 TEST_F(GoodsTextViewTest, LoadsTwoThousandLinesQuickly)
 {
     std::vector<OrderRow> rows;
-    for (int i = 0; i <= 2000; ++i)
+    for (int i = 0; i < 2000; ++i)
         rows.push_back({i + 1, 1000 + i, QString("商品 %1 号").arg(i), QString("69%1").arg(i, 11, 10, QChar('0')), "M", 3, i % 5});
     RecordList set = load(rows);
     GoodsTextView view;
@@ -365,8 +370,7 @@ TEST_F(GoodsTextViewTest, LoadsTwoThousandLinesQuickly)
 
 TEST_F(GoodsTextViewTest, ScreenshotOfAPartlyPickedOrder)
 {
-    RecordList set = load({{1, 900, "占位", "", "", 1},
-                           {11, 1001, "无线蓝牙耳机 入耳式", "6901234567890", "BT-520", 2},
+    RecordList set = load({{11, 1001, "无线蓝牙耳机 入耳式", "6901234567890", "BT-520", 2},
                            {12, 1002, "手机壳 透明防摔", "6907777000011", "iPhone 15", 3},
                            {13, 1003, "快充数据线 1米", "6905555000123", "Type-C", 1, 2},
                            {14, 1004, "充电宝 10000毫安", "6903333000456", "PB-10K", 1, 2},

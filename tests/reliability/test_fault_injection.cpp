@@ -111,6 +111,28 @@ protected:
         EXPECT_TRUE(rows == 0 || rows == 3) << after << ": " << rows << " serial rows";
     }
 
+    // Nothing half-written on the server: a verified order names the picker
+    // the station showed and an unverified one none, an order sent for
+    // delivery is a verified one, and an order's serial rows are all there or
+    // none. (10001 is re-picked at the end of the session: a re-pick takes
+    // back the status, never a delivery already made.)
+    void expectNothingHalfWritten(const std::string& after, int stationPicker = 201)
+    {
+        SCOPED_TRACE(after);
+        for (const char* code : {"10001", "10018", "10021"}) {
+            const QString where = QStringLiteral(" FROM IC_Web2ERPOrders WHERE FUniqueCode = '%1'").arg(QLatin1String(code));
+            const int status = dbValue(QStringLiteral("SELECT IFNULL(FPIckingGoodsStatus, 0)") + where).toInt();
+            const int picker = dbValue(QStringLiteral("SELECT IFNULL(FPickingGoodMan, 0)") + where).toInt();
+            const int delivered = dbValue(QStringLiteral("SELECT IFNULL(FDeliveryStatus, 0)") + where).toInt();
+            const bool sent = !dbValue(QStringLiteral("SELECT FSendDate") + where).isNull();
+            EXPECT_EQ(picker, status == 1 ? stationPicker : 0) << code;
+            if (qstrcmp(code, "10001") != 0)
+                EXPECT_TRUE(delivered == 0 || status == 1) << code << " delivered but not verified";
+            EXPECT_EQ(sent, delivered == 1) << code;
+        }
+        expectSerialRowsAllOrNothing(after);
+    }
+
     // The database as it was made, no station, no engine, no order state.
     void freshDatabase()
     {
@@ -211,6 +233,8 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
         m_faults.arm(site.key, site.number);
 
         runSessionUpToClose();
+        // The picker the station showed: none when it could not be read.
+        const int stationPicker = m_form->m_EmployeeTag.toInt();
         std::printf("  fault at %s #%d\n", qPrintable(site.name.left(110)), site.number);
         const bool firedBeforeClose = !m_faults.failures().isEmpty();
         const bool settingLost = site.name.contains(QStringLiteral("t_SystemProfile"));
@@ -241,7 +265,7 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
                 if (box.text.contains(HostFaultInjector::FaultMarker))
                     EXPECT_EQ(box.title, kTitle);
         }
-        expectSerialRowsAllOrNothing(trace);
+        expectNothingHalfWritten(trace, stationPicker);
         const QString statuses = dbValue(QStringLiteral("SELECT group_concat(IFNULL(FPIckingGoodsStatus,'n'), '') FROM IC_Web2ERPOrders "
                                                         "WHERE FUniqueCode IN ('10001','10021','10018')"))
                                      .toString();
@@ -321,33 +345,64 @@ TEST_F(FaultInjectionTest, AFailureInTheMiddleOfAnOrderKeepsWhatWasCounted)
 TEST_F(FaultInjectionTest, SavesThatFailAtThePassAreReportedAndTheOrderStaysPassed)
 {
     loadBarcodes();
-    frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10018"));
-    scan(f.TxtItemID, m_barcodes[1002]);
-    scan(f.TxtItemID, m_barcodes[1015]);
     const QString save = HostFaultInjector::key(ProgIds::SaveData, "SavePickingGoods");
     const QString deliver = HostFaultInjector::key(ProgIds::SaveData, "UpdateDeliveryData");
-    m_faults.arm(save, m_faults.count(save) + 1);
-    m_faults.arm(deliver, m_faults.count(deliver) + 1);
-    scan(f.TxtItemID, m_barcodes[1018]);
+    struct Case {
+        const char* what;
+        bool failSave, failDelivery;
+        const char* picking;   // status/picker on the server afterwards
+        int delivered;
+    };
+    const Case cases[] = {
+        {"no failure", false, false, "1/201", 1},
+        {"the status save fails", true, false, "0/0", 0},
+        {"the status save and the delivery fail", true, true, "0/0", 0},
+        {"the delivery fails", false, true, "1/201", 0},
+    };
+    StationSnapshot clean;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        freshDatabase();
+        frmPickigGoods& f = open();
+        scan(f.TxtID, QStringLiteral("10018"));
+        scan(f.TxtItemID, m_barcodes[1002]);
+        scan(f.TxtItemID, m_barcodes[1015]);
+        if (c.failSave)
+            m_faults.arm(save, m_faults.count(save) + 1);
+        if (c.failDelivery)
+            m_faults.arm(deliver, m_faults.count(deliver) + 1);
+        const int deliveriesBefore = m_faults.count(deliver);
+        scan(f.TxtItemID, m_barcodes[1018]);
 
-    // Two boxes, one per failed save; the worker still sees the pass.
-    EXPECT_EQ(faultBoxes().size(), 2) << boxTexts().join(QLatin1Char('\n')).toStdString();
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("3/3"));
-    ASSERT_EQ(f.SessionOrderLog.Count(), 1);
-    EXPECT_TRUE(f.SessionOrderLog.Item(0).GetValue(QStringLiteral("bSuccess")).toBool());
-    // The server never heard of the pass: the order can be verified again.
-    EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("0/0"));
-    EXPECT_EQ(dbValue(QStringLiteral("SELECT IFNULL(FDeliveryStatus, 0) FROM IC_Web2ERPOrders WHERE FUniqueCode = '10018'")).toInt(), 0);
+        // One box for the one failure the worker must hear of; a delivery is
+        // not even tried for an order the server did not take as verified.
+        EXPECT_EQ(faultBoxes().size(), c.failSave || c.failDelivery ? 1 : 0) << boxTexts().join(QLatin1Char('\n')).toStdString();
+        EXPECT_EQ(m_faults.count(deliver) > deliveriesBefore, !c.failSave);
+        EXPECT_EQ(pickingOf(QStringLiteral("10018")), QLatin1String(c.picking));
+        EXPECT_EQ(dbValue(QStringLiteral("SELECT IFNULL(FDeliveryStatus, 0) FROM IC_Web2ERPOrders WHERE FUniqueCode = '10018'")).toInt(),
+                  c.delivered);
+        expectNothingHalfWritten(c.what);
+        // The station shows the pass all the same, its counts as the clean pass left them.
+        EXPECT_TRUE(f.ImgSuccess->isVisible());
+        EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("3/3"));
+        ASSERT_EQ(f.SessionOrderLog.Count(), 1);
+        EXPECT_TRUE(f.SessionOrderLog.Item(0).GetValue(QStringLiteral("bSuccess")).toBool());
+        if (clean.currentOrder.isEmpty())
+            clean = snapshot();
+        EXPECT_EQ(snapshot(), clean);
 
-    click(f.CmdBtnRePick);
-    m_rec->boxes.clear();
-    for (int item : {1002, 1015, 1018})
-        scan(f.TxtItemID, m_barcodes[item]);
-    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("1/201"));
-    EXPECT_EQ(dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FUniqueCode = '10018'")).toInt(), 1);
+        // A re-pick and a new pass save everything.
+        m_faults.disarm();
+        click(f.CmdBtnRePick);
+        m_rec->boxes.clear();
+        for (int item : {1002, 1015, 1018})
+            scan(f.TxtItemID, m_barcodes[item]);
+        EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
+        EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("1/201"));
+        EXPECT_EQ(dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FUniqueCode = '10018'")).toInt(), 1);
+        expectNothingHalfWritten("after the re-pick");
+        m_guard.run([this] { m_form->closeWithoutAsking(); }, QStringLiteral("close"));
+    }
 }
 
 TEST_F(FaultInjectionTest, ThePropertyStringThatCannotBeFetchedEndsOnlyTheHandlerThatAskedForIt)

@@ -142,35 +142,35 @@ TEST(GoodsListModelCounts, KeyedTablesRoundTripAndGap)
     EXPECT_EQ(errorNumber([&] { model.SetCheckCnt(bad); }), HostErrors::TypeMismatch);
 }
 
-TEST(GoodsListModelCounts, NewTableRestoresMarksAndReadsGridTables)
+TEST(GoodsListModelCounts, NewTableRestoresEachLineByIdentityWithMarksAndSerials)
 {
     GoodsListModel model = modelWith({2, 2, 2});
-    GoodsRecord saved;
     model.setCheckedCnt(0, 2);
     model.setCheckedCnt(1, 3);
+    model.records().Item(1).SetValue("FSeriNum", ",SN-1,SN-2");
+    GoodsRecord saved;
     model.GetCheckCntNew(saved);
-    for (int i = 0; i < 3; ++i)
-        model.setCheckedCnt(i, 0);
 
-    model.SetCheckCntNew(saved);
-    EXPECT_EQ(model.tile(0).checkedCnt, 2);
-    EXPECT_TRUE(model.tile(0).okShow);
-    EXPECT_FALSE(model.tile(0).warningShow);
-    EXPECT_EQ(model.tile(1).checkedCnt, 3);
-    EXPECT_FALSE(model.tile(1).okShow);
-    EXPECT_TRUE(model.tile(1).warningShow);
-    EXPECT_FALSE(model.tile(2).okShow);
+    // The same order read again, its lines in another order.
+    GoodsListModel again;
+    for (int i = 2; i >= 0; --i)
+        again.addGoods(goodsLine(100 + i, i + 1, QStringLiteral("商品%1").arg(i), 2));
+    again.SetCheckCntNew(saved);
+    EXPECT_EQ(again.tile(2).checkedCnt, 2);
+    EXPECT_TRUE(again.tile(2).okShow);
+    EXPECT_FALSE(again.tile(2).warningShow);
+    EXPECT_EQ(again.tile(1).checkedCnt, 3);
+    EXPECT_FALSE(again.tile(1).okShow);
+    EXPECT_TRUE(again.tile(1).warningShow);
+    EXPECT_EQ(again.records().Item(1).GetValue("FSeriNum").toString(), ",SN-1,SN-2");
+    EXPECT_EQ(again.records().Item(1).GetValue("GoodsCheckedCnt").toInt(), 3);
+    EXPECT_EQ(again.tile(0).checkedCnt, 0);
+    EXPECT_FALSE(again.tile(0).okShow);
 
-    // A table written by the grid starts at "1": line 0 keeps its count.
-    GoodsRecord grid;
-    grid.Add("1", 1);
-    grid.Add("2", 2);
-    model.SetCheckCntNew(grid);
-    EXPECT_EQ(model.tile(0).checkedCnt, 2);
-    EXPECT_EQ(model.tile(1).checkedCnt, 1);
-    EXPECT_FALSE(model.tile(1).warningShow);
-    EXPECT_EQ(model.tile(2).checkedCnt, 2);
-    EXPECT_TRUE(model.tile(2).okShow);
+    // A state taken before a count is not changed by the count.
+    model.PickingGoods(2);
+    again.SetCheckCntNew(saved);
+    EXPECT_EQ(again.tile(0).checkedCnt, 0);
 }
 
 TEST(GoodsListModelLookups, GoodsIndexRules)
