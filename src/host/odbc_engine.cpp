@@ -47,8 +47,16 @@ QString OdbcEngine::maskSecrets(const QString& text) const
     return masked;
 }
 
+void OdbcEngine::checkConnection()
+{
+    if (m_target.tsqlBridge && !fileReachable(m_target.sqliteFile))
+        close();
+}
+
 bool OdbcEngine::connectionLost(const QSqlError& error) const
 {
+    if (m_target.tsqlBridge && !fileReachable(m_target.sqliteFile))
+        return true;
     // SQLSTATE class 08: connection exception
     return error.type() == QSqlError::ConnectionError
         || error.nativeErrorCode().startsWith(QLatin1String("08"))
@@ -79,6 +87,8 @@ RecordsetPtr OdbcEngine::runBatch(const QString& tsql)
 
 RecordsetPtr OdbcEngine::executeBatch(const QString& tsql)
 {
+    if (m_target.tsqlBridge)
+        return executeBridged(tsql);
     // passed unchanged: no bridge time
     SqlStatementTrace::recordBatch(0);
     if (!writes(tsql))

@@ -46,6 +46,14 @@ protected:
     [[noreturn]] void raise(const QSqlError& error);
     static RecordsetPtr readRows(QSqlQuery& query);
     int transactionDepth() const { return m_depth; }
+    // A batch of the system's T-SQL through the bridge, for the engines that
+    // reach a SQLite file: one transaction for several statements, the rows
+    // of the last statement that has rows.
+    RecordsetPtr executeBridged(const QString& tsql);
+    // True while the database file is there and this program may read it; an
+    // open handle would go on working on a file removed or locked away from
+    // the station, and whatever it wrote then would be lost.
+    static bool fileReachable(const QString& file);
 
 private:
     void clearPrepared();
