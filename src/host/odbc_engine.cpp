@@ -53,6 +53,15 @@ void OdbcEngine::checkConnection()
         close();
 }
 
+bool OdbcEngine::reusesPrepared() const
+{
+    // The SQLite driver gives a computed column (ISNULL(...), 1, COUNT) the
+    // kind of its value in the first row of the statement's first run, and
+    // text when that run had no rows; prepared afresh, each run reads its
+    // numbers as numbers.
+    return !m_target.tsqlBridge;
+}
+
 bool OdbcEngine::connectionLost(const QSqlError& error) const
 {
     if (m_target.tsqlBridge && !fileReachable(m_target.sqliteFile))

@@ -15,6 +15,7 @@ protected:
     QString displayName() const override;
     bool connectionLost(const QSqlError& error) const override;
     void checkConnection() override;
+    bool reusesPrepared() const override;
     QString maskSecrets(const QString& text) const override;
 
 private:

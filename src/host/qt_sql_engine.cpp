@@ -118,9 +118,11 @@ RecordsetPtr QtSqlEngine::runPrepared(const QString& sql, const QVariantList& pa
             SqlStatementTrace::recordStatement(sql, params, timer.nsecsElapsed(), -1);
             raise(error);
         }
-        if (m_prepared.size() >= kMaxPrepared)
-            clearPrepared();
-        m_prepared.insert(sql, fresh);
+        if (reusesPrepared()) {
+            if (m_prepared.size() >= kMaxPrepared)
+                clearPrepared();
+            m_prepared.insert(sql, fresh);
+        }
         query = fresh;
     }
     for (int i = 0; i < params.size(); ++i)

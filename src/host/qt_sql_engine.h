@@ -34,6 +34,10 @@ protected:
     virtual void commitTransaction();
     virtual void rollbackTransaction();
     virtual QString maskSecrets(const QString& text) const;
+    // False when a prepared statement must not run twice: a driver that
+    // settles the kinds of its computed columns at the first run would read
+    // later rows by that run's first row.
+    virtual bool reusesPrepared() const { return true; }
 
     // The connection, opened when it is not.
     QSqlDatabase& database();

@@ -361,6 +361,12 @@ TEST_P(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThem)
     EXPECT_TRUE(rs->Fields("Q").typeId() == QMetaType::LongLong || rs->Fields("Q").typeId() == QMetaType::Double)
         << rs->Fields("Q").typeName();
     EXPECT_EQ(rs->Fields("Q").toInt(), 4);
+    // a first run without rows decides nothing about how later rows read
+    const QString serialGoods = "select 1 from IC_Web2ERPOrdersEntry t1 with(nolock) where t1.FItemID ='%1'";
+    EXPECT_TRUE(engine()->executeBatch(serialGoods.arg("9999"))->isEOF());
+    rs = engine()->executeBatch(serialGoods.arg("1031"));
+    ASSERT_FALSE(rs->isEOF());
+    EXPECT_EQ(rs->Fields("1").typeId(), QMetaType::LongLong) << rs->Fields("1").typeName();
 
     // text compares without regard to case
     rs = engine()->executeBatch("select FID from IC_Web2ERPOrders where FLogisticsOrder ='sf10001'");
@@ -379,7 +385,8 @@ TEST_P(SqlEngineTest, PreparedStatementsAreReusedWithTheRightRows)
     const QString shape = "select FItemID from t_Barcode where FBarCode ='%1'";
     auto first = e->executeBatch(shape.arg("6931000010017"));
     const int prepared = e->preparedCount();
-    EXPECT_GE(prepared, 1);
+    // the SQLite ODBC driver's statements are prepared for each run
+    EXPECT_EQ(prepared, GetParam() == Engine::SqliteOdbc ? 0 : 1);
     auto second = e->executeBatch(shape.arg("6931000010055"));
     auto again = e->executeBatch(shape.arg("6931000010017"));
     auto none = e->executeBatch(shape.arg("0000000000000"));
