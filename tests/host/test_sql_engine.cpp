@@ -456,8 +456,14 @@ TEST_P(SqlEngineTest, OwnTransactionsNestAndRollBack)
     rs->MoveNext();
     EXPECT_EQ(rs->Fields("FName").toString(), "电商仓");
 
-    e->inTransaction([&] { e->executeBound(update, {"丙", 3}); });
-    EXPECT_EQ(e->executeBound("SELECT FName FROM t_Stock WHERE FItemID = ?", {3})->Fields("FName").toString(), "丙");
+    // text goes in and comes back whole, beyond the basic plane too
+    const QString wide = QString::fromUtf8("丙仓 \xF0\xA0\x80\x80 \xF0\x9F\x93\xA6");
+    e->inTransaction([&] { e->executeBound(update, {wide, 3}); });
+    EXPECT_EQ(e->executeBound("SELECT FName FROM t_Stock WHERE FItemID = ?", {3})->Fields("FName").toString(), wide);
+    auto found = e->executeBatch("select FItemID, LEN(FName) as N from t_Stock with(nolock) where FName ='" + wide + "'");
+    ASSERT_FALSE(found->isEOF());
+    EXPECT_EQ(found->Fields("FItemID").toInt(), 3);
+    EXPECT_EQ(found->Fields("N").toInt(), 6) << "characters, not UTF-16 units or bytes";
 
     // an engine error names the engine's complaint and leaves the engine usable
     try {
