@@ -36,6 +36,9 @@ void OdbcEngine::configure(QSqlDatabase& db)
 
 QString OdbcEngine::displayName() const
 {
+    // a file says more to the worker than the driver's options around it
+    if (m_target.tsqlBridge)
+        return m_target.sqliteFile;
     return MaskPasswords(m_target.odbcConnectString);
 }
 
