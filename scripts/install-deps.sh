@@ -10,7 +10,7 @@ PACKAGES=(
   qt6-image-formats-plugins
   zlib1g-dev libgtest-dev
   fonts-wqy-microhei
-  unixodbc-dev tdsodbc
+  unixodbc-dev tdsodbc unixodbc libsqliteodbc
   espeak-ng sox
   clang libclang-rt-14-dev
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good

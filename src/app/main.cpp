@@ -48,7 +48,8 @@ bool checkDatabase(const QString& props, QString& error)
     try {
         const QString connect = ConnectStringFromProps(props);
         const ConnectionTarget target = MapConnectString(connect);
-        if (target.kind == ConnectionTarget::Sqlite && !QFileInfo(target.sqliteFile).isFile()) {
+        const bool sqliteFile = target.kind == ConnectionTarget::Sqlite || target.tsqlBridge;
+        if (sqliteFile && !QFileInfo(target.sqliteFile).isFile()) {
             error = QStringLiteral("database not found: %1").arg(target.sqliteFile);
             return false;
         }

@@ -36,6 +36,9 @@ void OdbcEngine::configure(QSqlDatabase& db)
 
 QString OdbcEngine::displayName() const
 {
+    // a file says more to the worker than the driver's options around it
+    if (m_target.tsqlBridge)
+        return m_target.sqliteFile;
     return MaskPasswords(m_target.odbcConnectString);
 }
 
@@ -47,8 +50,25 @@ QString OdbcEngine::maskSecrets(const QString& text) const
     return masked;
 }
 
+void OdbcEngine::checkConnection()
+{
+    if (m_target.tsqlBridge && !fileReachable(m_target.sqliteFile))
+        close();
+}
+
+bool OdbcEngine::reusesPrepared() const
+{
+    // The SQLite driver gives a computed column (ISNULL(...), 1, COUNT) the
+    // kind of its value in the first row of the statement's first run, and
+    // text when that run had no rows; prepared afresh, each run reads its
+    // numbers as numbers.
+    return !m_target.tsqlBridge;
+}
+
 bool OdbcEngine::connectionLost(const QSqlError& error) const
 {
+    if (m_target.tsqlBridge && !fileReachable(m_target.sqliteFile))
+        return true;
     // SQLSTATE class 08: connection exception
     return error.type() == QSqlError::ConnectionError
         || error.nativeErrorCode().startsWith(QLatin1String("08"))
@@ -79,6 +99,8 @@ RecordsetPtr OdbcEngine::runBatch(const QString& tsql)
 
 RecordsetPtr OdbcEngine::executeBatch(const QString& tsql)
 {
+    if (m_target.tsqlBridge)
+        return executeBridged(tsql);
     // passed unchanged: no bridge time
     SqlStatementTrace::recordBatch(0);
     if (!writes(tsql))

@@ -1,5 +1,7 @@
 #pragma once
-// SQL Server through QODBC: the system's statements pass unchanged.
+// QODBC: SQL Server, where the system's statements pass unchanged, or a
+// SQLite file through the SQLite ODBC driver, where they go through the
+// T-SQL bridge as on the embedded engine.
 #include "host/qt_sql_engine.h"
 
 class OdbcEngine : public QtSqlEngine {
@@ -12,6 +14,8 @@ protected:
     void configure(QSqlDatabase& db) override;
     QString displayName() const override;
     bool connectionLost(const QSqlError& error) const override;
+    void checkConnection() override;
+    bool reusesPrepared() const override;
     QString maskSecrets(const QString& text) const override;
 
 private:

@@ -1,8 +1,10 @@
 #include "host/qt_sql_engine.h"
 #include "host/host_error.h"
 #include "host/sql_statement_trace.h"
+#include "host/tsql_bridge.h"
 #include <QAtomicInt>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QSqlRecord>
 
 namespace {
@@ -116,9 +118,11 @@ RecordsetPtr QtSqlEngine::runPrepared(const QString& sql, const QVariantList& pa
             SqlStatementTrace::recordStatement(sql, params, timer.nsecsElapsed(), -1);
             raise(error);
         }
-        if (m_prepared.size() >= kMaxPrepared)
-            clearPrepared();
-        m_prepared.insert(sql, fresh);
+        if (reusesPrepared()) {
+            if (m_prepared.size() >= kMaxPrepared)
+                clearPrepared();
+            m_prepared.insert(sql, fresh);
+        }
         query = fresh;
     }
     for (int i = 0; i < params.size(); ++i)
@@ -195,4 +199,44 @@ void QtSqlEngine::inTransaction(const std::function<void()>& work)
         rollbackTransaction();
         throw;
     }
+}
+
+RecordsetPtr QtSqlEngine::executeBridged(const QString& tsql)
+{
+    QElapsedTimer bridgeTimer;
+    bridgeTimer.start();
+    std::vector<SqliteStatement> statements;
+    try {
+        statements = RewriteTsqlForSqlite(tsql);
+    } catch (...) {
+        SqlStatementTrace::recordBatch(bridgeTimer.nsecsElapsed());
+        throw;
+    }
+    for (SqliteStatement& statement : statements) {
+        // every parameter is a string literal: '' is an empty text, and a
+        // null QString would bind as SQL NULL
+        for (QVariant& param : statement.params) {
+            if (param.isNull() || (param.typeId() == QMetaType::QString && param.toString().isNull()))
+                param = QString(QLatin1String(""));
+        }
+    }
+    SqlStatementTrace::recordBatch(bridgeTimer.nsecsElapsed());
+    RecordsetPtr result;
+    auto runAll = [&] {
+        for (const SqliteStatement& statement : statements) {
+            if (RecordsetPtr rows = runPrepared(statement.sql, statement.params))
+                result = rows;
+        }
+    };
+    if (statements.size() > 1)
+        inTransaction(runAll);
+    else
+        runAll();
+    return result ? result : std::make_shared<Recordset>();
+}
+
+bool QtSqlEngine::fileReachable(const QString& file)
+{
+    QFile probe(file);
+    return probe.exists() && probe.open(QIODevice::ReadOnly);
 }

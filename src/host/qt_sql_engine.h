@@ -34,6 +34,10 @@ protected:
     virtual void commitTransaction();
     virtual void rollbackTransaction();
     virtual QString maskSecrets(const QString& text) const;
+    // False when a prepared statement must not run twice: a driver that
+    // settles the kinds of its computed columns at the first run would read
+    // later rows by that run's first row.
+    virtual bool reusesPrepared() const { return true; }
 
     // The connection, opened when it is not.
     QSqlDatabase& database();
@@ -46,6 +50,14 @@ protected:
     [[noreturn]] void raise(const QSqlError& error);
     static RecordsetPtr readRows(QSqlQuery& query);
     int transactionDepth() const { return m_depth; }
+    // A batch of the system's T-SQL through the bridge, for the engines that
+    // reach a SQLite file: one transaction for several statements, the rows
+    // of the last statement that has rows.
+    RecordsetPtr executeBridged(const QString& tsql);
+    // True while the database file is there and this program may read it; an
+    // open handle would go on working on a file removed or locked away from
+    // the station, and whatever it wrote then would be lost.
+    static bool fileReachable(const QString& file);
 
 private:
     void clearPrepared();

@@ -87,6 +87,29 @@ ConnectionTarget MapConnectString(const QString& connectString)
     }
 
     target.kind = ConnectionTarget::Odbc;
+    if (valueOf(pairs, {"Driver"}).trimmed().compare(QLatin1String("SQLite3"), Qt::CaseInsensitive) == 0) {
+        target.tsqlBridge = true;
+        target.sqliteFile = valueOf(pairs, {"Database"}).trimmed();
+        if (target.sqliteFile.isEmpty())
+            throw HostError(HostErrors::Database, QStringLiteral("The connect string names no database file (Database)."));
+        bool timeoutGiven = false;
+        for (const auto& pair : pairs) {
+            if (pair.first.compare(QLatin1String("Provider"), Qt::CaseInsensitive) == 0
+                || pair.first.compare(QLatin1String("NoCreat"), Qt::CaseInsensitive) == 0
+                || pair.first.compare(QLatin1String("BigInt"), Qt::CaseInsensitive) == 0)
+                continue;
+            timeoutGiven = timeoutGiven || pair.first.compare(QLatin1String("Timeout"), Qt::CaseInsensitive) == 0;
+            appendAttribute(target.odbcConnectString, pair.first, pair.second);
+        }
+        // a missing file is an error, never a new empty database
+        appendAttribute(target.odbcConnectString, QStringLiteral("NoCreat"), QStringLiteral("1"));
+        // whole numbers in 64 bits, as SQLite keeps them: the driver would
+        // otherwise cut them to 32
+        appendAttribute(target.odbcConnectString, QStringLiteral("BigInt"), QStringLiteral("1"));
+        if (!timeoutGiven)
+            appendAttribute(target.odbcConnectString, QStringLiteral("Timeout"), QString::number(kSqliteBusyTimeoutMs));
+        return target;
+    }
     if (hasKey(pairs, {"Driver", "DSN", "FileDSN"})) {
         // already an ODBC string: handed on as it is, less the OLE DB provider
         for (const auto& pair : pairs) {

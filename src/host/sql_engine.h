@@ -1,28 +1,37 @@
 #pragma once
 // The SQL engines behind the host's data objects. A property string carries
 // the connection as ConnectString={...}: "Provider=SQLite;Data Source=<file>"
-// is the embedded engine (statements go through the T-SQL bridge), anything
-// else is SQL Server over ODBC with the statements unchanged. One engine per
-// connect string, opened on first use and reopened after a failure.
+// is the embedded engine (statements go through the T-SQL bridge);
+// "Driver=SQLite3;Database=<file>" is the same kind of file through the SQLite
+// ODBC driver, also behind the bridge; anything else is SQL Server over ODBC
+// with the statements unchanged. One engine per connect string, opened on
+// first use and reopened after a failure.
 #include "host/recordset.h"
 #include <QString>
 #include <QVariant>
 #include <functional>
 #include <memory>
 
+// How long a statement on a SQLite file waits for another program's lock,
+// through either engine.
+constexpr int kSqliteBusyTimeoutMs = 5000;
+
 // How a connect string is reached.
 struct ConnectionTarget {
     enum Kind { Sqlite, Odbc };
     Kind kind = Sqlite;
-    QString sqliteFile;          // Sqlite: the database file
+    QString sqliteFile;          // Sqlite, and Odbc with tsqlBridge: the database file
     QString odbcConnectString;   // Odbc: the string handed to the ODBC driver manager
     int loginTimeoutSeconds = 15; // Odbc: how long opening may take
+    bool tsqlBridge = false;     // Odbc: the driver is SQLite's, statements need the bridge
 };
 
 // Maps a connect string to the engine that serves it. Pure: touches no file
 // and no driver. SQLOLEDB-style keys (Data Source, Initial Catalog, User ID,
 // Password, Integrated Security) become ODBC keys for the FreeTDS driver when
-// the string names no driver of its own.
+// the string names no driver of its own. The driver registered as SQLite3
+// gets the file's own rules: never created when missing, and the same wait
+// for another program's lock as the embedded engine.
 ConnectionTarget MapConnectString(const QString& connectString);
 
 // The text with every password value replaced by "***" (Password=, Pwd=,

@@ -1,17 +1,9 @@
 #include "host/sqlite_engine.h"
 #include "host/host_error.h"
 #include "host/sql_statement_trace.h"
-#include "host/tsql_bridge.h"
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QUrl>
-
-namespace {
-
-// How long a statement waits for another connection's write lock.
-constexpr int kBusyTimeoutMs = 5000;
-
-} // namespace
 
 SqliteEngine::SqliteEngine(QString file)
     : QtSqlEngine(QStringLiteral("QSQLITE"), QStringLiteral("rnw_sqlite_")), m_file(std::move(file))
@@ -21,22 +13,20 @@ SqliteEngine::SqliteEngine(QString file)
 void SqliteEngine::configure(QSqlDatabase& db)
 {
     // mode=rw: a missing file is an error, never a new empty database
-    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyTimeoutMs));
+    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=%1").arg(kSqliteBusyTimeoutMs));
     const QString absolute = QFileInfo(m_file).absoluteFilePath();
     db.setDatabaseName(QUrl::fromLocalFile(absolute).toString(QUrl::FullyEncoded) + QStringLiteral("?mode=rw"));
 }
 
 void SqliteEngine::checkConnection()
 {
-    // An open handle keeps working on a file that was deleted or moved away,
-    // and whatever it writes then is lost: let go of it instead.
-    if (!QFileInfo::exists(m_file))
+    if (!fileReachable(m_file))
         close();
 }
 
 bool SqliteEngine::connectionLost(const QSqlError& error) const
 {
-    if (!QFileInfo::exists(m_file))
+    if (!fileReachable(m_file))
         return true;
     bool ok = false;
     const int code = error.nativeErrorCode().toInt(&ok) & 0xff;
@@ -82,34 +72,5 @@ void SqliteEngine::rollbackTransaction()
 
 RecordsetPtr SqliteEngine::executeBatch(const QString& tsql)
 {
-    QElapsedTimer bridgeTimer;
-    bridgeTimer.start();
-    std::vector<SqliteStatement> statements;
-    try {
-        statements = RewriteTsqlForSqlite(tsql);
-    } catch (...) {
-        SqlStatementTrace::recordBatch(bridgeTimer.nsecsElapsed());
-        throw;
-    }
-    for (SqliteStatement& statement : statements) {
-        // every parameter is a string literal: '' is an empty text, and a
-        // null QString would bind as SQL NULL
-        for (QVariant& param : statement.params) {
-            if (param.isNull() || (param.typeId() == QMetaType::QString && param.toString().isNull()))
-                param = QString(QLatin1String(""));
-        }
-    }
-    SqlStatementTrace::recordBatch(bridgeTimer.nsecsElapsed());
-    RecordsetPtr result;
-    auto runAll = [&] {
-        for (const SqliteStatement& statement : statements) {
-            if (RecordsetPtr rows = runPrepared(statement.sql, statement.params))
-                result = rows;
-        }
-    };
-    if (statements.size() > 1)
-        inTransaction(runAll);
-    else
-        runAll();
-    return result ? result : std::make_shared<Recordset>();
+    return executeBridged(tsql);
 }

@@ -1,8 +1,12 @@
-// The SQL engines: connect-string mapping, password masking, the embedded
-// engine on real files, and the ODBC engine's failure path.
+// The SQL engines: connect-string mapping, password masking, both engines on
+// real SQLite files (the embedded one, and ODBC through the SQLite driver),
+// and the ODBC engine's failure path.
 #include "host/demo_database.h"
 #include "host/host_error.h"
 #include "host/sql_engine.h"
+#include "host/sql_statement_trace.h"
+#include "support/sqlite_odbc.h"
+#include "support/unreadable_file.h"
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -33,17 +37,30 @@ const QString& pristineDemo()
     return file;
 }
 
-class SqlEngineTest : public ::testing::Test {
+enum class Engine { Embedded, SqliteOdbc };
+
+// Each case runs on the embedded engine and through the SQLite ODBC driver:
+// the same file and the same statements must give the same answers.
+class SqlEngineTest : public ::testing::TestWithParam<Engine> {
 protected:
     void SetUp() override
     {
+        if (GetParam() == Engine::SqliteOdbc) {
+            const QString reason = SqliteOdbcUnavailableReason();
+            if (!reason.isEmpty())
+                GTEST_SKIP() << "ODBC engine not run: " << reason.toStdString();
+        }
         ASSERT_TRUE(m_dir.isValid());
         m_file = m_dir.filePath("demo.db");
         ASSERT_TRUE(QFile::copy(pristineDemo(), m_file));
     }
     void TearDown() override { SqlEngine::closeAll(); }
 
-    std::shared_ptr<SqlEngine> engine() { return SqlEngine::forConnectString(sqliteConnect(m_file)); }
+    QString connect(const QString& file) const
+    {
+        return GetParam() == Engine::SqliteOdbc ? SqliteOdbcConnect(file) : sqliteConnect(file);
+    }
+    std::shared_ptr<SqlEngine> engine() { return SqlEngine::forConnectString(connect(m_file)); }
     qint64 scalar(const QString& sql)
     {
         auto rs = engine()->executeBound(sql);
@@ -55,6 +72,11 @@ protected:
 };
 
 } // namespace
+
+INSTANTIATE_TEST_SUITE_P(Engines, SqlEngineTest, ::testing::Values(Engine::Embedded, Engine::SqliteOdbc),
+                         [](const ::testing::TestParamInfo<Engine>& info) {
+                             return info.param == Engine::SqliteOdbc ? "SqliteOdbc" : "Embedded";
+                         });
 
 TEST(ConnectStringMapping, SqliteFormsAndBrokenStrings)
 {
@@ -107,6 +129,36 @@ TEST(ConnectStringMapping, SqlServerThroughFreeTds)
     EXPECT_EQ(t.odbcConnectString, "DSN=ERP;UID=u;PWD=p;");
 }
 
+TEST(ConnectStringMapping, TheSqliteOdbcDriverGetsTheBridgeAndTheFileRules)
+{
+    ConnectionTarget t = MapConnectString("Driver=SQLite3;Database=/var/lib/rnw/demo.db");
+    EXPECT_EQ(t.kind, ConnectionTarget::Odbc);
+    EXPECT_TRUE(t.tsqlBridge);
+    EXPECT_EQ(t.sqliteFile, "/var/lib/rnw/demo.db");
+    // never a new empty file, 64-bit numbers, the embedded engine's wait for a lock
+    EXPECT_EQ(t.odbcConnectString, "Driver=SQLite3;Database=/var/lib/rnw/demo.db;NoCreat=1;BigInt=1;Timeout=5000;");
+
+    // braces and case; a wait of its own is kept, a NoCreat=0 or BigInt=0 is not
+    t = MapConnectString(" driver = {sqlite3} ; Database={/tmp/a;b/demo.db};Timeout=800;NoCreat=0;bigint=0;PWD=x");
+    EXPECT_TRUE(t.tsqlBridge);
+    EXPECT_EQ(t.sqliteFile, "/tmp/a;b/demo.db");
+    EXPECT_EQ(t.odbcConnectString, "driver=sqlite3;Database={/tmp/a;b/demo.db};Timeout=800;PWD=x;NoCreat=1;BigInt=1;");
+
+    try {
+        MapConnectString("Driver=SQLite3;Timeout=800");
+        FAIL() << "a SQLite ODBC string without a file must be refused";
+    } catch (const HostError& e) {
+        EXPECT_TRUE(e.description().contains("Database")) << e.description().toStdString();
+    }
+
+    // every other driver, SQLite's own library named by file included, and
+    // every SQL Server string get the statements as written
+    EXPECT_FALSE(MapConnectString("Driver=libsqlite3odbc.so;Database=/tmp/demo.db").tsqlBridge);
+    EXPECT_FALSE(MapConnectString("Driver=SQLite;Database=/tmp/demo.db").tsqlBridge);
+    EXPECT_FALSE(MapConnectString("Driver={ODBC Driver 18 for SQL Server};Server=db;Database=x").tsqlBridge);
+    EXPECT_FALSE(MapConnectString("Provider=SQLOLEDB;Data Source=s;Initial Catalog=db;User ID=u;Password=p").tsqlBridge);
+}
+
 TEST(ConnectStringMapping, PasswordsAreMaskedEverywhere)
 {
     EXPECT_EQ(MaskPasswords("Data Source=s;User ID=sa;Password=Pa55w!;Initial Catalog=db"),
@@ -150,10 +202,80 @@ TEST(OdbcEngine, AFailedOpenNeverShowsThePassword)
     SqlEngine::closeAll();
 }
 
-TEST_F(SqlEngineTest, MissingFileIsRefusedNotCreatedAndOpensOnceItComes)
+TEST(OdbcEngine, OnlyTheSqliteDriverGetsTheBridge)
+{
+    const QString reason = SqliteOdbcUnavailableReason();
+    if (!reason.isEmpty())
+        GTEST_SKIP() << "ODBC engine not run: " << reason.toStdString();
+    QTemporaryDir dir;
+    const QString file = dir.filePath("demo.db");
+    ASSERT_TRUE(QFile::copy(pristineDemo(), file));
+    const QString tsql = "select top 1 FName from t_ICItem with(nolock) where FNumber ='04.004'";
+
+    SqlStatementTrace::reset();
+    SqlStatementTrace::setCapturing(true);
+    auto bridged = SqlEngine::forConnectString(SqliteOdbcConnect(file));
+    auto rs = bridged->executeBatch(tsql);
+    ASSERT_FALSE(rs->isEOF());
+    EXPECT_EQ(rs->Fields("FName").toString(), "棒球帽");
+    auto ran = SqlStatementTrace::takeCaptured();
+    ASSERT_EQ(ran.size(), 1u);
+    EXPECT_TRUE(ran[0].sql.contains("LIMIT 1")) << ran[0].sql.toStdString();
+    EXPECT_FALSE(ran[0].sql.contains("nolock")) << ran[0].sql.toStdString();
+    EXPECT_EQ(ran[0].params, QVariantList{QString("04.004")});
+
+    // the same driver named by its library is just another ODBC driver:
+    // what the server would get, it gets, letter for letter
+    SqlStatementTrace::setCapturing(true);
+    auto plain = SqlEngine::forConnectString("Driver=libsqlite3odbc.so;Database=" + file);
+    const QString common = "select FName from t_ICItem where FNumber ='04.004'";
+    rs = plain->executeBatch(common);
+    ASSERT_FALSE(rs->isEOF());
+    EXPECT_EQ(rs->Fields("FName").toString(), "棒球帽");
+    EXPECT_THROW(plain->executeBatch(tsql), HostError);
+    ran = SqlStatementTrace::takeCaptured();
+    SqlStatementTrace::setCapturing(false);
+    ASSERT_EQ(ran.size(), 2u);
+    EXPECT_EQ(ran[0].sql, common);
+    EXPECT_TRUE(ran[0].params.isEmpty());
+    EXPECT_EQ(ran[1].sql, tsql);
+    SqlEngine::closeAll();
+}
+
+TEST(OdbcEngine, AWrongDriverOrAMissingFileIsNamedWithoutThePassword)
+{
+    const QString reason = SqliteOdbcUnavailableReason();
+    if (!reason.isEmpty())
+        GTEST_SKIP() << "ODBC engine not run: " << reason.toStdString();
+    QTemporaryDir dir;
+    const QString secret = "Sup3rSecretPw";
+    const QString missing = dir.filePath("missing.db");
+    const struct {
+        QString connect, named;
+    } cases[] = {
+        {"Driver=SQLite3;Database=" + missing + ";PWD=" + secret, missing},
+        {"Driver=SQLite3x;Database=" + missing + ";PWD=" + secret, "SQLite3x"},
+    };
+    for (const auto& c : cases) {
+        auto engine = SqlEngine::forConnectString(c.connect);
+        try {
+            engine->executeBatch("select 1");
+            FAIL() << "must not open: " << c.connect.toStdString();
+        } catch (const HostError& e) {
+            EXPECT_EQ(e.number(), HostErrors::Database);
+            EXPECT_TRUE(e.description().contains(c.named)) << e.description().toStdString();
+            EXPECT_FALSE(e.description().contains(secret)) << e.description().toStdString();
+        }
+        EXPECT_FALSE(engine->isOpen());
+    }
+    EXPECT_FALSE(QFile::exists(missing));
+    SqlEngine::closeAll();
+}
+
+TEST_P(SqlEngineTest, MissingFileIsRefusedNotCreatedAndOpensOnceItComes)
 {
     const QString later = m_dir.filePath("later.db");
-    auto e = SqlEngine::forConnectString(sqliteConnect(later));
+    auto e = SqlEngine::forConnectString(connect(later));
     for (int attempt = 0; attempt < 2; ++attempt) {
         try {
             e->executeBound("SELECT 1");
@@ -178,7 +300,31 @@ TEST_F(SqlEngineTest, MissingFileIsRefusedNotCreatedAndOpensOnceItComes)
     EXPECT_EQ(e->executeBound("SELECT COUNT(*) AS N FROM t_Stock")->Fields("N").toInt(), 3);
 }
 
-TEST_F(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThem)
+TEST_P(SqlEngineTest, AFileMadeUnreadableIsLetGoAndOpenedAgainWhenItIsBack)
+{
+    auto e = engine();
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM t_Stock"), 3);
+    ASSERT_TRUE(e->isOpen());
+    {
+        UnreadableFile locked(m_file);
+        ASSERT_TRUE(locked.effective()) << locked.error().toStdString();
+        // the open handle would still read and write: refused instead, twice
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            try {
+                e->executeBatch("update t_Stock set FName = FName where FItemID = 1");
+                FAIL() << "the station may no longer use the file";
+            } catch (const HostError& error) {
+                EXPECT_EQ(error.number(), HostErrors::Database);
+                EXPECT_TRUE(error.description().contains(m_file)) << error.description().toStdString();
+            }
+            EXPECT_FALSE(e->isOpen());
+        }
+    }
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM t_Stock"), 3);
+    EXPECT_TRUE(e->isOpen());
+}
+
+TEST_P(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThem)
 {
     auto rs = engine()->executeBatch("select FItemID as Id, t.FName, t.FBarcode, t.FModel from t_ICItem t "
                                      "where t.FNumber = '04.004' or t.FNumber = '01.005'");
@@ -193,11 +339,34 @@ TEST_F(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThem)
     EXPECT_EQ(byId[1005].first.toString(), "6931000010055");
     EXPECT_EQ(byId[1023].second, "棒球帽");
 
-    // an empty text is not NULL
+    // an empty text is not NULL, nor is a NULL made empty
     rs = engine()->executeBatch("select FBatchNo from IC_Web2ERPOrdersEntry where FEntryID = 1");
     ASSERT_FALSE(rs->isEOF());
     EXPECT_FALSE(rs->Fields("FBatchNo").isNull());
+    EXPECT_EQ(rs->Fields("FBatchNo").typeId(), QMetaType::QString);
     EXPECT_EQ(rs->Fields("FBatchNo").toString(), "");
+    rs = engine()->executeBatch("select ISNULL(FBarcode,'') as B, FBarcode, FItemID * 10000000 as Big, FName "
+                                "from t_ICItem with(nolock) where FItemID = 1023");
+    ASSERT_FALSE(rs->isEOF());
+    EXPECT_EQ(rs->Fields("B").typeId(), QMetaType::QString);
+    EXPECT_EQ(rs->Fields("B").toString(), "");
+    EXPECT_TRUE(rs->Fields("FBarcode").isNull());
+    // numbers come back as numbers, whole ones of 64 bits
+    EXPECT_EQ(rs->Fields("Big").typeId(), QMetaType::LongLong);
+    EXPECT_EQ(rs->Fields("Big").toLongLong(), 10230000000LL);
+    EXPECT_EQ(rs->Fields("FName").toString(), "棒球帽");
+    rs = engine()->executeBatch("select COUNT(*) as N, SUM(FQuantity) as Q from IC_Web2ERPOrdersEntry where FID = 1");
+    EXPECT_EQ(rs->Fields("N").typeId(), QMetaType::LongLong);
+    EXPECT_EQ(rs->Fields("N").toInt(), 3);
+    EXPECT_TRUE(rs->Fields("Q").typeId() == QMetaType::LongLong || rs->Fields("Q").typeId() == QMetaType::Double)
+        << rs->Fields("Q").typeName();
+    EXPECT_EQ(rs->Fields("Q").toInt(), 4);
+    // a first run without rows decides nothing about how later rows read
+    const QString serialGoods = "select 1 from IC_Web2ERPOrdersEntry t1 with(nolock) where t1.FItemID ='%1'";
+    EXPECT_TRUE(engine()->executeBatch(serialGoods.arg("9999"))->isEOF());
+    rs = engine()->executeBatch(serialGoods.arg("1031"));
+    ASSERT_FALSE(rs->isEOF());
+    EXPECT_EQ(rs->Fields("1").typeId(), QMetaType::LongLong) << rs->Fields("1").typeName();
 
     // text compares without regard to case
     rs = engine()->executeBatch("select FID from IC_Web2ERPOrders where FLogisticsOrder ='sf10001'");
@@ -210,13 +379,14 @@ TEST_F(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThem)
     EXPECT_EQ(rs->columns(), QStringList({"FID"}));
 }
 
-TEST_F(SqlEngineTest, PreparedStatementsAreReusedWithTheRightRows)
+TEST_P(SqlEngineTest, PreparedStatementsAreReusedWithTheRightRows)
 {
     auto e = engine();
     const QString shape = "select FItemID from t_Barcode where FBarCode ='%1'";
     auto first = e->executeBatch(shape.arg("6931000010017"));
     const int prepared = e->preparedCount();
-    EXPECT_GE(prepared, 1);
+    // the SQLite ODBC driver's statements are prepared for each run
+    EXPECT_EQ(prepared, GetParam() == Engine::SqliteOdbc ? 0 : 1);
     auto second = e->executeBatch(shape.arg("6931000010055"));
     auto again = e->executeBatch(shape.arg("6931000010017"));
     auto none = e->executeBatch(shape.arg("0000000000000"));
@@ -236,7 +406,7 @@ TEST_F(SqlEngineTest, PreparedStatementsAreReusedWithTheRightRows)
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM IC_Web2ERPOrders"), 30);
 }
 
-TEST_F(SqlEngineTest, BatchesRunAllOrNothing)
+TEST_P(SqlEngineTest, BatchesRunAllOrNothing)
 {
     auto e = engine();
     const qint64 before = scalar("SELECT COUNT(*) FROM IC_Web2ErpOrderSerial");
@@ -271,7 +441,7 @@ TEST_F(SqlEngineTest, BatchesRunAllOrNothing)
     EXPECT_TRUE(e->executeBatch(" Delete IC_Web2ErpOrderSerial where FEntryID=2")->columns().isEmpty());
 }
 
-TEST_F(SqlEngineTest, OwnTransactionsNestAndRollBack)
+TEST_P(SqlEngineTest, OwnTransactionsNestAndRollBack)
 {
     auto e = engine();
     const QString update = "UPDATE t_Stock SET FName = ? WHERE FItemID = ?";
@@ -286,8 +456,14 @@ TEST_F(SqlEngineTest, OwnTransactionsNestAndRollBack)
     rs->MoveNext();
     EXPECT_EQ(rs->Fields("FName").toString(), "电商仓");
 
-    e->inTransaction([&] { e->executeBound(update, {"丙", 3}); });
-    EXPECT_EQ(e->executeBound("SELECT FName FROM t_Stock WHERE FItemID = ?", {3})->Fields("FName").toString(), "丙");
+    // text goes in and comes back whole, beyond the basic plane too
+    const QString wide = QString::fromUtf8("丙仓 \xF0\xA0\x80\x80 \xF0\x9F\x93\xA6");
+    e->inTransaction([&] { e->executeBound(update, {wide, 3}); });
+    EXPECT_EQ(e->executeBound("SELECT FName FROM t_Stock WHERE FItemID = ?", {3})->Fields("FName").toString(), wide);
+    auto found = e->executeBatch("select FItemID, LEN(FName) as N from t_Stock with(nolock) where FName ='" + wide + "'");
+    ASSERT_FALSE(found->isEOF());
+    EXPECT_EQ(found->Fields("FItemID").toInt(), 3);
+    EXPECT_EQ(found->Fields("N").toInt(), 6) << "characters, not UTF-16 units or bytes";
 
     // an engine error names the engine's complaint and leaves the engine usable
     try {

@@ -154,8 +154,13 @@ ReplayRun ReplayHarness::runRaw(const QStringList& args, const QString& stdinScr
 
 QVariant ReplayHarness::queryValue(const QString& sql, const QVariantList& params) const
 {
+    return queryValueOf(m_dbFile, sql, params);
+}
+
+QVariant ReplayHarness::queryValueOf(const QString& file, const QString& sql, const QVariantList& params)
+{
     QVariant value;
-    withDatabase(m_dbFile, [&](QSqlDatabase& db) {
+    withDatabase(file, [&](QSqlDatabase& db) {
         QSqlQuery query = runQuery(db, sql, params);
         if (query.next())
             value = query.value(0);

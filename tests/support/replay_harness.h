@@ -52,6 +52,8 @@ public:
 
     // One value straight from the demo database (e.g. an order's picking status).
     QVariant queryValue(const QString& sql, const QVariantList& params = {}) const;
+    // The same from another database file (a copy the test made).
+    static QVariant queryValueOf(const QString& file, const QString& sql, const QVariantList& params = {});
     // A statement of the test's own on the demo database (set up a case).
     void execute(const QString& sql, const QVariantList& params = {}) const;
 

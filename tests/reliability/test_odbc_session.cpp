@@ -1,0 +1,258 @@
+// A whole station session through the production engine's path (QODBC,
+// unixODBC, the SQLite ODBC driver) gives exactly what the embedded engine
+// gives: the same screens after every step, the same rows written, the same
+// calls to the middle tier, and every statement the station sent reads the
+// same columns, values and kinds of value through both.
+#include "reliability/engine_station.h"
+#include "host/sql_statement_trace.h"
+#include <QRegularExpression>
+
+namespace {
+
+QString valueText(const QVariant& value)
+{
+    if (value.isNull())
+        return QStringLiteral("NULL");
+    return value.toString() + QLatin1Char('<') + QLatin1String(value.typeName()) + QLatin1Char('>');
+}
+
+// A recordset in full: columns, then each row's values with their kinds.
+QStringList recordsetText(const RecordsetPtr& rs)
+{
+    QStringList text{rs->columns().join(QLatin1Char('|'))};
+    for (; !rs->isEOF(); rs->MoveNext()) {
+        QStringList row;
+        for (const QString& column : rs->columns())
+            row << valueText(rs->Fields(column));
+        text << row.join(QLatin1Char('|'));
+    }
+    return text;
+}
+
+bool isWrite(const QString& sql)
+{
+    static const QRegularExpression verbs(QStringLiteral("\\b(insert|update|delete)\\b"), QRegularExpression::CaseInsensitiveOption);
+    return sql.contains(verbs);
+}
+
+} // namespace
+
+class OdbcSessionTest : public EngineStationTest {
+protected:
+    struct Session {
+        QStringList screens;                        // one per step
+        QStringList database;                       // what the session left in the tables it writes
+        QList<HostCall> calls;                      // every call to a host object
+        std::vector<SqlTraceStatement> serialPass;  // what the database ran at the serial order's pass
+        QString firstGoodsName;                     // of the first order, as loaded
+        QString firstGoodsNameOnFile;
+    };
+
+    // What a worker sees and what the station holds after a step.
+    QString screen(const QString& step)
+    {
+        const frmPickigGoods& f = *m_form;
+        QStringList s{step,
+                      QStringLiteral("order=") + f.CurrentOrderCode,
+                      QStringLiteral("TxtID=") + f.TxtID->text(),
+                      QStringLiteral("TxtItemID=") + f.TxtItemID->text(),
+                      QStringLiteral("TxtNum=") + f.TxtNum->text(),
+                      QStringLiteral("TxtEmployee=") + f.TxtEmployee->text(),
+                      QStringLiteral("webshop=") + f.txtWebshop->text(),
+                      QStringLiteral("message=") + f.lblMessage->text(),
+                      QStringLiteral("info=") + f.lblPickInfo->text(),
+                      QStringLiteral("total=") + f.lblOrderNum->text(),
+                      QStringLiteral("picked=") + f.lblPickedNum->text(),
+                      QStringLiteral("counts=%1/%2/%3/%4").arg(f.m_PickedNum).arg(f.m_ExcessNum).arg(f.m_ErrorNum).arg(f.m_MissingNum),
+                      QStringLiteral("passed=%1").arg(f.ImgSuccess->isVisible()),
+                      QStringLiteral("view=") + (f.IsGridView() ? QStringLiteral("grid") : QStringLiteral("tiles")),
+                      QStringLiteral("options=%1%2%3").arg(f.chkBarCode->isChecked()).arg(f.chkHaveSerial->isChecked()).arg(int(f.chkShowText->checkState()))};
+        const RecordList lines = GetGoodsLineSet();
+        for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
+            const GoodsRecord line = lines.Item(i);
+            QStringList entries;
+            for (int k = 0; k < line.Count(); ++k)
+                entries << line.KeyAt(k) + QLatin1Char('=') + valueText(line.ValueAt(k));
+            s << QStringLiteral("line: ") + entries.join(QLatin1Char(' '));
+        }
+        for (const QString& row : f.LogList1->allRowTexts())
+            s << QStringLiteral("log: ") + row;
+        for (const ShownBox& box : m_rec->boxes)
+            s << QStringLiteral("box: %1: %2 (%3)").arg(box.title, box.text).arg(box.flags);
+        s << QStringLiteral("voices: ") + m_rec->voices.join(QLatin1Char(' '));
+        m_rec->boxes.clear();
+        m_rec->voices.clear();
+        return s.join(QLatin1Char('\n'));
+    }
+
+    // The rows the session writes; quote() tells text ('1') from numbers (1).
+    QStringList databaseText() const
+    {
+        return {
+            dbValue(QStringLiteral(
+                "SELECT group_concat(r, ' ') FROM (SELECT FUniqueCode || ':' || quote(FPIckingGoodsStatus) || '/' || quote(FPickingGoodMan)"
+                " || '/' || quote(FDeliveryStatus) || '/' || CASE WHEN FSendDate IS NULL THEN 'NULL'"
+                " WHEN FSendDate GLOB '[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9]T[0-9][0-9]:*' THEN 'now' ELSE quote(FSendDate) END AS r"
+                " FROM IC_Web2ERPOrders ORDER BY FID)"))
+                .toString(),
+            dbValue(QStringLiteral(
+                "SELECT group_concat(r, ' ') FROM (SELECT quote(FID) || '|' || quote(FEntryID) || '|' || quote(FSerialNumber) || '|'"
+                " || quote(FBatchNo) || '|' || quote(FStockID) || '|' || quote(FStockPlace) || '|' || quote(FSerialID) || '|'"
+                " || quote(FKFDate) || '|' || quote(FKFPeriod) AS r FROM IC_Web2ErpOrderSerial ORDER BY r)"))
+                .toString(),
+            dbValue(QStringLiteral(
+                "SELECT group_concat(r, ' ') FROM (SELECT quote(FUserID) || '|' || quote(FCategory) || '|' || quote(FKey) || '|'"
+                " || quote(FName) || '|' || quote(FValue) AS r FROM t_UserProfile ORDER BY r)"))
+                .toString(),
+        };
+    }
+
+    QString barcode(int itemId) const { return barcodeOf(itemId); }
+
+    Session runSession(StationEngine engine)
+    {
+        Session session;
+        useEngine(engine);
+        m_faults.resetCounts();
+        m_rec->boxes.clear();
+        m_rec->voices.clear();
+        auto step = [&](const QString& label, const std::function<void()>& action) {
+            action();
+            session.screens << screen(label);
+        };
+
+        frmPickigGoods* f = &open();
+        session.screens << screen(QStringLiteral("open"));
+        // goods with Chinese names, passed and sent for delivery
+        step(QStringLiteral("order 10001"), [&] { scan(f->TxtID, QStringLiteral("10001")); });
+        if (!GetGoodsLineSet().isNone() && GetGoodsLineSet().Count() > 0) {
+            session.firstGoodsName = GetGoodsLineSet().Item(0).GetValue(QStringLiteral("GoodsName")).toString();
+            session.firstGoodsNameOnFile = dbValue(QStringLiteral("SELECT FName FROM t_ICItem WHERE FItemID = 1001")).toString();
+        }
+        for (int item : {1001, 1008, 1014, 1014})
+            step(QStringLiteral("goods %1").arg(item), [&] { scan(f->TxtItemID, barcode(item)); });
+        // a serial order: its rows in one batch
+        step(QStringLiteral("serial mode"), [&] { click(f->chkHaveSerial); });
+        step(QStringLiteral("order 10021"), [&] { scan(f->TxtID, QStringLiteral("10021")); });
+        for (const QString& serial : {QStringLiteral("W1-0001"), QStringLiteral("W1-0002")})
+            step(serial, [&] { scan(f->TxtItemID, serial); });
+        SqlStatementTrace::setCapturing(true);
+        step(QStringLiteral("PAD-0001"), [&] { scan(f->TxtItemID, QStringLiteral("PAD-0001")); });
+        SqlStatementTrace::setCapturing(false);
+        session.serialPass = SqlStatementTrace::takeCaptured();
+        // re-pick: the rows are replaced, not added to
+        step(QStringLiteral("re-pick"), [&] { click(f->CmdBtnRePick); });
+        for (const QString& serial : {QStringLiteral("W1-0003"), QStringLiteral("W1-0001"), QStringLiteral("PAD-0002")})
+            step(serial, [&] { scan(f->TxtItemID, serial); });
+        step(QStringLiteral("barcode mode"), [&] { click(f->chkHaveSerial); });
+        // NULLs: an item without a row, a web shop without a name, goods without barcode
+        step(QStringLiteral("order 10010"), [&] { scan(f->TxtID, QStringLiteral("10010")); });
+        step(QStringLiteral("order 10020"), [&] { scan(f->TxtID, QStringLiteral("10020")); });
+        step(QStringLiteral("goods 1039"), [&] { scan(f->TxtItemID, barcode(1039)); });
+        // quantities, goods of another order
+        step(QStringLiteral("order 10002"), [&] { scan(f->TxtID, QStringLiteral("10002")); });
+        step(QStringLiteral("quantity 3"), [&] { type(f->TxtNum, QStringLiteral("3")); });
+        step(QStringLiteral("goods 1005"), [&] { scan(f->TxtItemID, barcode(1005)); });
+        step(QStringLiteral("foreign goods"), [&] { scan(f->TxtItemID, barcode(1013)); });
+        step(QStringLiteral("goods 1016"), [&] { scan(f->TxtItemID, barcode(1016)); });
+        // the options are saved at the close and read back at the next start
+        step(QStringLiteral("grid"), [&] { click(f->chkShowText); });
+        step(QStringLiteral("all goods"), [&] { click(f->chkBarCode); });
+        m_guard.run([&] { closeStation(); }, QStringLiteral("close"));
+        session.screens << QStringLiteral("closed=%1").arg(!m_form->isVisible());
+        f = &open();
+        session.screens << screen(QStringLiteral("reopened"));
+        step(QStringLiteral("order 10011"), [&] { scan(f->TxtID, QStringLiteral("10011")); });
+        step(QStringLiteral("order 10006"), [&] { scan(f->TxtID, QStringLiteral("10006")); });
+        m_guard.run([&] { closeStation(); }, QStringLiteral("close"));
+
+        session.calls = m_faults.calls();
+        session.database = databaseText();
+        SqlEngine::closeAll();
+        return session;
+    }
+};
+
+TEST_F(OdbcSessionTest, AWholeSessionThroughOdbcGivesWhatTheEmbeddedEngineGives)
+{
+    const QString reason = unavailableReason(StationEngine::SqliteOdbc);
+    if (!reason.isEmpty())
+        GTEST_SKIP() << "ODBC session not run: " << reason.toStdString();
+
+    const Session embedded = runSession(StationEngine::Embedded);
+    const Session odbc = runSession(StationEngine::SqliteOdbc);
+
+    // The embedded run is the reference: check that it is the session meant.
+    ASSERT_EQ(embedded.screens.size(), odbc.screens.size());
+    EXPECT_FALSE(embedded.firstGoodsName.isEmpty());
+    EXPECT_EQ(embedded.firstGoodsName, embedded.firstGoodsNameOnFile);
+    EXPECT_EQ(odbc.firstGoodsName, odbc.firstGoodsNameOnFile);
+    EXPECT_TRUE(odbc.firstGoodsName.contains(QRegularExpression(QStringLiteral("\\p{Han}")))) << odbc.firstGoodsName.toStdString();
+
+    // Every screen, line by line.
+    for (int i = 0; i < embedded.screens.size(); ++i)
+        EXPECT_EQ(odbc.screens[i], embedded.screens[i]) << "step " << i;
+
+    // The same rows written, and the ones meant.
+    EXPECT_EQ(odbc.database, embedded.database);
+    ASSERT_EQ(odbc.database.size(), 3);
+    for (const QString& order : {QStringLiteral("10001"), QStringLiteral("10021"), QStringLiteral("10002")})
+        EXPECT_TRUE(odbc.database[0].contains(order + QStringLiteral(":1/201/1/now"))) << odbc.database[0].toStdString();
+    const QStringList serialRows = odbc.database[1].split(QLatin1Char(' '));
+    ASSERT_EQ(serialRows.size(), 3) << odbc.database[1].toStdString();
+    EXPECT_TRUE(serialRows[0].startsWith(QStringLiteral("0|53|'W1-0001'|"))) << serialRows[0].toStdString();
+    EXPECT_TRUE(serialRows[1].startsWith(QStringLiteral("0|53|'W1-0003'|"))) << serialRows[1].toStdString();
+    EXPECT_TRUE(serialRows[2].startsWith(QStringLiteral("0|54|'PAD-0002'|"))) << serialRows[2].toStdString();
+    EXPECT_TRUE(odbc.database[2].contains(QStringLiteral("1|'EC'|'PickGoods_chkShowText'|'chkShowText'|'1'"))) << odbc.database[2].toStdString();
+    EXPECT_TRUE(odbc.database[2].contains(QStringLiteral("1|'EC'|'PickGoods_chkBarCode'|'chkBarCode'|'0'"))) << odbc.database[2].toStdString();
+    ASSERT_GE(odbc.screens.size(), 3);
+    const QString reopened = *std::find_if(odbc.screens.begin(), odbc.screens.end(),
+                                           [](const QString& s) { return s.startsWith(QStringLiteral("reopened\n")); });
+    EXPECT_TRUE(reopened.contains(QStringLiteral("\nview=grid\n"))) << reopened.toStdString();
+    EXPECT_TRUE(reopened.contains(QStringLiteral("\noptions=002\n"))) << reopened.toStdString();
+
+    // The serial rows of the pass went in one transaction on both engines.
+    for (const auto* run : {&embedded, &odbc}) {
+        const auto& ran = run->serialPass;
+        std::vector<int> serialStatements;
+        for (int i = 0; i < int(ran.size()); ++i)
+            if (ran[size_t(i)].sql.contains(QStringLiteral("IC_Web2ErpOrderSerial"), Qt::CaseInsensitive))
+                serialStatements.push_back(i);
+        ASSERT_EQ(serialStatements.size(), 5u) << "two deletes and three inserts";
+        const int first = serialStatements.front(), last = serialStatements.back();
+        EXPECT_EQ(last - first, 4) << "nothing else ran among them";
+        ASSERT_GT(first, 0);
+        ASSERT_LT(last + 1, int(ran.size()));
+        EXPECT_TRUE(ran[size_t(first - 1)].sql.startsWith(QStringLiteral("BEGIN"))) << ran[size_t(first - 1)].sql.toStdString();
+        EXPECT_EQ(ran[size_t(last + 1)].sql, QStringLiteral("COMMIT"));
+    }
+
+    // The station asked the middle tier the same things in the same order.
+    ASSERT_EQ(odbc.calls.size(), embedded.calls.size());
+    for (int i = 0; i < embedded.calls.size(); ++i) {
+        EXPECT_EQ(odbc.calls[i].key, embedded.calls[i].key) << "call " << i;
+        EXPECT_EQ(odbc.calls[i].detail, embedded.calls[i].detail) << "call " << i;
+    }
+
+    // Each statement the station read with, once more on two fresh copies:
+    // the same columns, values and kinds of value through both engines.
+    QStringList reads;
+    for (const HostCall& call : embedded.calls)
+        if ((call.key.endsWith(QStringLiteral(".ExecuteSQL")) || call.key.endsWith(QStringLiteral(".GetSingleSQLData")))
+            && !isWrite(call.detail) && !reads.contains(call.detail))
+            reads << call.detail;
+    ASSERT_GE(reads.size(), 10);
+    const QString embeddedCopy = m_dir.filePath(QStringLiteral("reads-embedded.db"));
+    const QString odbcCopy = m_dir.filePath(QStringLiteral("reads-odbc.db"));
+    ASSERT_TRUE(QFile::copy(pristineDatabase(), embeddedCopy));
+    ASSERT_TRUE(QFile::copy(pristineDatabase(), odbcCopy));
+    auto viaEmbedded = SqlEngine::forConnectString(QStringLiteral("Provider=SQLite;Data Source=") + embeddedCopy);
+    auto viaOdbc = SqlEngine::forConnectString(SqliteOdbcConnect(odbcCopy));
+    int rows = 0;
+    for (const QString& sql : reads) {
+        const QStringList expected = recordsetText(viaEmbedded->executeBatch(sql));
+        rows += int(expected.size()) - 1;
+        EXPECT_EQ(recordsetText(viaOdbc->executeBatch(sql)), expected) << sql.toStdString();
+    }
+    EXPECT_GT(rows, reads.size()) << "the statements read rows";
+}
