@@ -41,7 +41,12 @@ private:
 ScanLineEdit::ScanLineEdit(QWidget* parent) : QLineEdit(parent)
 {
     setValidator(new RefusingValidator(this));
-    connect(this, &QLineEdit::textEdited, this, [this] { m_editedInScan = true; });
+}
+
+void ScanLineEdit::startScan()
+{
+    m_refusedInScan = false;
+    m_textAtScanStart = text();
 }
 
 bool ScanLineEdit::isRefused(QChar c)
@@ -80,12 +85,14 @@ void ScanLineEdit::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Return:
     case Qt::Key_Enter: {
         event->accept();
-        const bool refusedOnly = m_refusedInScan && !m_editedInScan;
-        m_refusedInScan = m_editedInScan = false;
+        // Characters came and every one was refused: the field holds what it
+        // held before, which is not scanned a second time.
+        const bool refusedOnly = m_refusedInScan && text() == m_textAtScanStart;
         if (refusedOnly)
             emit refusedScanEntered();
         else
             emit enterPressed();
+        startScan();
         return;
     }
     default:
@@ -135,7 +142,7 @@ void ScanLineEdit::mouseDoubleClickEvent(QMouseEvent* event)
 void ScanLineEdit::focusInEvent(QFocusEvent* event)
 {
     // Coming into the field starts a new scan.
-    m_refusedInScan = m_editedInScan = false;
+    startScan();
     QLineEdit::focusInEvent(event);
     if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
         emit focusEntered();

@@ -20,8 +20,8 @@ public:
     // The text without the refused characters.
     static QString cleaned(const QString& text);
 
-    // Marks the scan: a character refused, a change kept. Used by the
-    // field's own key and text handling.
+    // Marks the scan as having had a character refused (the field's own
+    // key and text handling call it).
     void noteRefused() { m_refusedInScan = true; }
 
 signals:
@@ -43,6 +43,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    void startScan();
     bool m_refusedInScan = false;
-    bool m_editedInScan = false;
+    QString m_textAtScanStart;   // what the field held when the scan began
 };

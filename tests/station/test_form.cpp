@@ -5,6 +5,7 @@
 #include "tiles/goods_list_view.h"
 #include <QCheckBox>
 #include <QLabel>
+#include <QClipboard>
 #include <QSignalSpy>
 
 namespace {
@@ -311,6 +312,40 @@ TEST_F(StationFormTest, MessageBoxesTranslateOnlyTheVeltoTitle)
     EXPECT_EQ(form->lblMessage->text(), QStringLiteral("T:此单已校验通过"));
     form->SetMessage(QString());
     EXPECT_TRUE(form->lblMessage->text().isEmpty());
+}
+
+TEST(ScanLineEdit, ScanOfRefusedCharactersOnlyIsNoScan)
+{
+    ScanLineEdit field;
+    QSignalSpy enter(&field, &ScanLineEdit::enterPressed);
+    QSignalSpy refused(&field, &ScanLineEdit::refusedScanEntered);
+    QTest::keyClicks(&field, QStringLiteral("6931000010147"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    ASSERT_EQ(enter.count(), 1);
+    field.selectAll();
+
+    // Typed: every key refused, the last code still selected.
+    QTest::keyClicks(&field, QStringLiteral("''"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(field.text(), QStringLiteral("6931000010147"));
+    EXPECT_EQ(enter.count(), 1);
+    EXPECT_EQ(refused.count(), 1);
+
+    // Pasted at the end: nothing kept, nothing changed.
+    field.end(false);
+    QApplication::clipboard()->setText(QStringLiteral("\u2019\u2019"));
+    field.paste();
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(enter.count(), 1);
+    EXPECT_EQ(refused.count(), 2);
+
+    // A plain Enter, and a scan with a character kept, are scans.
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTest::keyClicks(&field, QStringLiteral("'7"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(enter.count(), 3);
+    EXPECT_EQ(refused.count(), 2);
+    EXPECT_EQ(field.text(), QStringLiteral("69310000101477"));
 }
 
 TEST(ScanLineEdit, QuotesAndControlCharactersNeverReachTheField)
