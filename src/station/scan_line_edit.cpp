@@ -1,10 +1,29 @@
 #include "station/scan_line_edit.h"
+#include <QClipboard>
+#include <QDropEvent>
 #include <QFocusEvent>
+#include <QGuiApplication>
+#include <QMimeData>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QValidator>
 
 namespace {
+
+// Whether `after` is `before` with one stretch taken out (maybe none): an edit
+// that put nothing in.
+bool onlyTakesOut(const QString& before, const QString& after)
+{
+    if (after.size() > before.size())
+        return false;
+    qsizetype prefix = 0;
+    while (prefix < after.size() && after.at(prefix) == before.at(prefix))
+        ++prefix;
+    qsizetype suffix = 0;
+    while (suffix < after.size() - prefix && after.at(after.size() - 1 - suffix) == before.at(before.size() - 1 - suffix))
+        ++suffix;
+    return prefix + suffix == after.size();
+}
 
 // Runs on every change of the text, whichever way it came in, and takes the
 // refused characters out before the field shows them.
@@ -29,6 +48,8 @@ public:
             pos = qBound(0, newPos, int(kept.size()));
             m_field->noteRefused();
         }
+        if (!onlyTakesOut(m_field->shownText(), input))
+            m_field->noteKept();
         return Acceptable;
     }
 
@@ -41,12 +62,12 @@ private:
 ScanLineEdit::ScanLineEdit(QWidget* parent) : QLineEdit(parent)
 {
     setValidator(new RefusingValidator(this));
+    connect(this, &QLineEdit::textChanged, this, [this](const QString& shown) { m_shownText = shown; });
 }
 
 void ScanLineEdit::startScan()
 {
-    m_refusedInScan = false;
-    m_textAtScanStart = text();
+    m_refusedInScan = m_keptInScan = false;
 }
 
 bool ScanLineEdit::isRefused(QChar c)
@@ -85,9 +106,9 @@ void ScanLineEdit::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Return:
     case Qt::Key_Enter: {
         event->accept();
-        // Characters came and every one was refused: the field holds what it
-        // held before, which is not scanned a second time.
-        const bool refusedOnly = m_refusedInScan && text() == m_textAtScanStart;
+        // Characters came and every one was refused: what the field still
+        // holds is not scanned a second time.
+        const bool refusedOnly = m_refusedInScan && !m_keptInScan;
         if (refusedOnly)
             emit refusedScanEntered();
         else
@@ -98,6 +119,8 @@ void ScanLineEdit::keyPressEvent(QKeyEvent* event)
     default:
         break;
     }
+    if (event->matches(QKeySequence::Paste))
+        noteIncoming(QGuiApplication::clipboard()->text());
     if (event->key() >= Qt::Key_F1 && event->key() <= Qt::Key_F12) {
         event->accept();
         emit functionKeyPressed(event->key());
@@ -121,8 +144,26 @@ void ScanLineEdit::keyPressEvent(QKeyEvent* event)
             m_refusedInScan = true;
             return;
         }
+        if (anyPrintable)
+            m_keptInScan = true;
     }
     QLineEdit::keyPressEvent(event);
+}
+
+void ScanLineEdit::dropEvent(QDropEvent* event)
+{
+    if (event->mimeData())
+        noteIncoming(event->mimeData()->text());
+    QLineEdit::dropEvent(event);
+}
+
+void ScanLineEdit::noteIncoming(const QString& text)
+{
+    const QString kept = cleaned(text);
+    if (!kept.isEmpty())
+        m_keptInScan = true;
+    if (kept.size() != text.size())
+        m_refusedInScan = true;
 }
 
 void ScanLineEdit::mousePressEvent(QMouseEvent* event)

@@ -20,9 +20,12 @@ public:
     // The text without the refused characters.
     static QString cleaned(const QString& text);
 
-    // Marks the scan as having had a character refused (the field's own
-    // key and text handling call it).
+    // What the field's own key and text handling tell of the scan: a
+    // character refused, a character kept.
     void noteRefused() { m_refusedInScan = true; }
+    void noteKept() { m_keptInScan = true; }
+    // The text as the field last showed it (before the change being validated).
+    const QString& shownText() const { return m_shownText; }
 
 signals:
     void enterPressed();
@@ -41,9 +44,13 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
+    // Notes what a text about to be put in brings: characters kept, refused.
+    void noteIncoming(const QString& text);
     void startScan();
     bool m_refusedInScan = false;
-    QString m_textAtScanStart;   // what the field held when the scan began
+    bool m_keptInScan = false;
+    QString m_shownText;
 };

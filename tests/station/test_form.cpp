@@ -346,6 +346,17 @@ TEST(ScanLineEdit, ScanOfRefusedCharactersOnlyIsNoScan)
     EXPECT_EQ(enter.count(), 3);
     EXPECT_EQ(refused.count(), 2);
     EXPECT_EQ(field.text(), QStringLiteral("69310000101477"));
+
+    // The same code once more, a refused character in it, typed or pasted: a scan.
+    field.selectAll();
+    QTest::keyClicks(&field, QStringLiteral("69310000101477'"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    field.selectAll();
+    QApplication::clipboard()->setText(QStringLiteral("69310000101477\u2019"));
+    QTest::keyClick(&field, Qt::Key_V, Qt::ControlModifier);
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(enter.count(), 5);
+    EXPECT_EQ(refused.count(), 2);
 }
 
 TEST(ScanLineEdit, QuotesAndControlCharactersNeverReachTheField)
