@@ -361,9 +361,9 @@ void frmPickigGoods::connectHandlers()
 
 int frmPickigGoods::ShowMessageBox(const QString& prompt, int buttons, const QString& title)
 {
-    const QString shownTitle = title == VeltoTitle ? LoadString(title) : title;
+    // The title is the box's name, not a message: it is shown as given.
     auto box = CreateServerObjectAs<IMessageBox>(ProgIds::MessageBox);
-    return box->Show(this, prompt, buttons, shownTitle);
+    return box->Show(this, prompt, buttons, title);
 }
 
 void frmPickigGoods::ResetPickState()

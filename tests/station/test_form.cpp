@@ -288,7 +288,7 @@ TEST_F(StationFormTest, F7AndDoubleClickOpenTheSamePicker)
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("0/0"));
 }
 
-TEST_F(StationFormTest, MessageBoxesTranslateOnlyTheVeltoTitle)
+TEST_F(StationFormTest, MessageBoxesKeepTheirTitleInEveryLanguage)
 {
     SetHostLanguageCode(QStringLiteral("en"));
     ResetLanguageCache();
@@ -301,12 +301,12 @@ TEST_F(StationFormTest, MessageBoxesTranslateOnlyTheVeltoTitle)
     EXPECT_EQ(form->ShowMessageBox(QStringLiteral("q"), 4, QStringLiteral("Other")), MsgBox::Yes);
     EXPECT_EQ(form->ShowMessageBox(QStringLiteral("r"), 64, QStringLiteral("Velto提示")), MsgBox::Ok);
     ASSERT_EQ(m_rec->boxes.size(), 3);
-    EXPECT_EQ(m_rec->boxes[0].title, QStringLiteral("T:Velto提示"));
+    EXPECT_EQ(m_rec->boxes[0].title, QStringLiteral("Velto提示"));
     EXPECT_EQ(m_rec->boxes[0].text, QStringLiteral("p"));
     EXPECT_EQ(m_rec->boxes[1].title, QStringLiteral("Other"));
     EXPECT_EQ(m_rec->boxes[2].flags, 64);
 
-    // Messages to the worker pass through the same lookup.
+    // Messages to the worker do pass through the lookup.
     form->SetMessage(QStringLiteral("此单已校验通过"));
     EXPECT_EQ(form->lblMessage->text(), QStringLiteral("T:此单已校验通过"));
     form->SetMessage(QString());
