@@ -141,6 +141,35 @@ TEST_F(StationFormTest, OptionsSurviveARestartPerUser)
     EXPECT_FALSE(form->GoodsListView->isHidden());
 }
 
+TEST_F(StationFormTest, AStoredZeroUnchecksAnOptionAnythingElseChecksIt)
+{
+    struct Case {
+        const char* stored;
+        bool checked;               // chkBarCode and chkHaveSerial
+        Qt::CheckState showText;    // chkShowText takes the stored number as its value
+    };
+    const Case cases[] = {
+        {"0", false, Qt::Unchecked},     {"1", true, Qt::Checked},          {"1.0", true, Qt::Checked},
+        {"yes", true, Qt::Unchecked},    {"2", true, Qt::PartiallyChecked}, {"-1", true, Qt::Unchecked},
+        {" 0 ", false, Qt::Unchecked},   {"0.0", false, Qt::Unchecked},
+    };
+    for (const Case& c : cases) {
+        const QString stored = QString::fromLatin1(c.stored);
+        dbExec(QStringLiteral("DELETE FROM t_UserProfile WHERE FUserID = 1"));
+        const QString insert = QStringLiteral("INSERT INTO t_UserProfile (FUserID, FCategory, FKey, FName, FValue) "
+                                              "VALUES (1, 'EC', ?, ?, ?)");
+        dbExec(insert, {QStringLiteral("PickGoods_chkBarCode"), QStringLiteral("chkBarCode"), stored});
+        dbExec(insert, {QStringLiteral("PickGoods_chkShowText"), QStringLiteral("chkHaveSerial"), stored});
+        dbExec(insert, {QStringLiteral("PickGoods_chkShowText"), QStringLiteral("chkShowText"), stored});
+        frmPickigGoods* form = openStation();
+        EXPECT_EQ(form->chkBarCode->isChecked(), c.checked) << c.stored;
+        EXPECT_EQ(form->chkHaveSerial->isChecked(), c.checked) << c.stored;
+        EXPECT_EQ(form->chkShowText->checkState(), c.showText) << c.stored;
+        EXPECT_TRUE(m_rec->boxes.isEmpty()) << c.stored << ": " << boxTexts().join('|').toStdString();
+        ASSERT_TRUE(closeStation());
+    }
+}
+
 TEST_F(StationFormTest, ClosingAnUnfinishedOrderAsksAndYesGoesOnChecking)
 {
     frmPickigGoods* form = openStation();
