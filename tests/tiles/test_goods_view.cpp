@@ -144,11 +144,27 @@ TEST(GoodsViewTile, PictureRules)
     EXPECT_GT(shown.width(), shown.height());
     EXPECT_LE(shown.deviceIndependentSize().width(), TwipsToPixels(2380) + 1);
 
+    // A picture file written again shows what it holds now (every order load
+    // writes the pictures again); the same bytes again need no new decode.
+    const QString item = env.path("Tmp_1001");
+    ASSERT_TRUE(QFile::copy(red, item));
+    tile.setGoodsPicture(item);
+    const qint64 decoded = tile.shownPicture().cacheKey();
+    ASSERT_TRUE(QFile::remove(item) && QFile::copy(red, item));
+    tile.setGoodsPicture(item);
+    EXPECT_EQ(tile.shownPicture().cacheKey(), decoded);
+    ASSERT_TRUE(QFile::remove(item) && QFile::copy(blue, item));
+    tile.setGoodsPicture(item);
+    EXPECT_TRUE(shows(tile.shownPicture(), Qt::blue));
+    ASSERT_TRUE(QFile::remove(item) && QFile::copy(red, item));
+    tile.setGoodsPicture(item);
+    EXPECT_TRUE(shows(tile.shownPicture(), Qt::red));
+
     // Without a default picture a bad file leaves everything as it was.
     ASSERT_TRUE(QFile::remove(env.defaultPicture()));
     tile.setGoodsPicture(junk);
-    EXPECT_EQ(tile.GoodsPicture(), blue);
-    EXPECT_TRUE(shows(tile.shownPicture(), Qt::blue));
+    EXPECT_EQ(tile.GoodsPicture(), item);
+    EXPECT_TRUE(shows(tile.shownPicture(), Qt::red));
 }
 
 TEST(GoodsViewTile, ClicksOpenThePageAndRaiseEvents)
