@@ -1,5 +1,6 @@
 #include "host/demo_database.h"
 #include "host/host_error.h"
+#include "host/text_collation.h"
 #include <QBuffer>
 #include <QColor>
 #include <QFile>
@@ -348,6 +349,7 @@ public:
         if (!db.open())
             throw HostError(HostErrors::Database,
                             QStringLiteral("Cannot open %1: %2").arg(file, db.lastError().text()));
+        RegisterTextCollation(db);
     }
     ~DemoConnection()
     {

@@ -1,6 +1,7 @@
 #include "host/sqlite_engine.h"
 #include "host/host_error.h"
 #include "host/sql_statement_trace.h"
+#include "host/text_collation.h"
 #include "host/tsql_bridge.h"
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -32,6 +33,12 @@ void SqliteEngine::checkConnection()
     // and whatever it writes then is lost: let go of it instead.
     if (!QFileInfo::exists(m_file))
         close();
+}
+
+void SqliteEngine::prepareConnection(QSqlDatabase& db)
+{
+    // Text compares as on the ERP's server, on every connection.
+    RegisterTextCollation(db);
 }
 
 bool SqliteEngine::connectionLost(const QSqlError& error) const
