@@ -8,6 +8,7 @@
 #include <QPair>
 #include <QImage>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -634,6 +635,19 @@ QString BenchUniqueCode(int largeOrderLines)
 QString DemoSchemaPath()
 {
     return QStringLiteral(":/rnw/demo/schema.sql");
+}
+
+QStringList SchemaTableNames()
+{
+    static const QRegularExpression createTable(QStringLiteral("^CREATE\\s+TABLE\\s+(\\w+)"),
+                                                QRegularExpression::CaseInsensitiveOption);
+    QStringList tables;
+    for (const QString& statement : schemaStatements(schemaText())) {
+        const QRegularExpressionMatch match = createTable.match(statement);
+        if (match.hasMatch())
+            tables << match.captured(1);
+    }
+    return tables;
 }
 
 QString DemoPropsString(const QString& dbFile, int userId)

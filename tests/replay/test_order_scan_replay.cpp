@@ -264,3 +264,59 @@ TEST(OrderScanReplay, ExitCodesForABadScriptAndAMissingDatabase)
     // Unknown arguments are refused before anything runs.
     EXPECT_EQ(h.runRaw({QStringLiteral("--bogus")}).exitCode, 2);
 }
+
+TEST(OrderScanReplay, AFileThatIsNoUsableDatabaseEndsWithItsNameAndTheProblem)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    QFile demo(h.databaseFile());
+    ASSERT_TRUE(demo.open(QIODevice::ReadOnly));
+    const QByteArray whole = demo.readAll();
+    demo.close();
+    ASSERT_GT(whole.size(), 64 * 1024);
+
+    QByteArray noise(64 * 1024, '\0');
+    quint32 seed = 12345;
+    for (char& c : noise) {
+        seed = seed * 1103515245u + 12345u;
+        c = char(seed >> 24);
+    }
+    struct Case {
+        const char* name;
+        QByteArray bytes;
+        const char* problem;   // a word the message must hold, lower case
+    };
+    const Case cases[] = {
+        {"truncated.db", whole.left(whole.size() / 2), "malformed"},
+        {"header-only.db", whole.left(100), "malformed"},
+        {"random.db", noise, "not a database"},
+        {"empty.db", QByteArray(), "ic_web2erporders"},
+    };
+    for (const Case& c : cases) {
+        const QString file = h.folder() + QLatin1Char('/') + QLatin1String(c.name);
+        QFile out(file);
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(c.bytes);
+        out.close();
+        const ReplayRun run = h.run(QStringLiteral("state\n"),
+                                    {QStringLiteral("--props"),
+                                     QStringLiteral("UserID=1;ConnectString={Provider=SQLite;Data Source=%1};").arg(file)});
+        EXPECT_EQ(run.exitCode, 1) << c.name << ": " << run.describe().toStdString();
+        EXPECT_TRUE(run.steps.isEmpty()) << c.name;
+        EXPECT_TRUE(run.standardError.contains(file)) << c.name << ": " << run.standardError.toStdString();
+        EXPECT_TRUE(run.standardError.toLower().contains(QLatin1String(c.problem)))
+            << c.name << ": " << run.standardError.toStdString();
+        // The file is only read.
+        QFile after(file);
+        ASSERT_TRUE(after.open(QIODevice::ReadOnly));
+        EXPECT_EQ(after.readAll(), c.bytes) << c.name;
+    }
+
+    // A database without one of the tables the station reads.
+    h.execute(QStringLiteral("DROP TABLE t_Barcode"));
+    const ReplayRun lacking = h.run(QStringLiteral("state\n"));
+    EXPECT_EQ(lacking.exitCode, 1) << lacking.describe().toStdString();
+    EXPECT_TRUE(lacking.steps.isEmpty());
+    EXPECT_TRUE(lacking.standardError.contains(h.databaseFile())) << lacking.standardError.toStdString();
+    EXPECT_TRUE(lacking.standardError.contains(QStringLiteral("t_Barcode"))) << lacking.standardError.toStdString();
+}
