@@ -243,19 +243,20 @@ void frmPickigGoods::buildControls()
     ImgSuccess->setPixmap(drawPassStamp(devicePixelRatioF()));
     ImgSuccess->setFixedSize(StampWidth, StampHeight);
     ImgSuccess->setToolTip(QStringLiteral("通过"));
-    work->addWidget(PiclistBack, 1);
+    // The goods take three quarters of the width, the side column the rest.
+    work->addWidget(PiclistBack, 3);
 
     auto* side = new QVBoxLayout;
     side->setSpacing(8);
     GoodsBigView = new ::GoodsBigView(this);
     GoodsBigView->setObjectName(QStringLiteral("GoodsBigView"));
     GoodsBigView->setMinimumWidth(TwipsToPixels(::GoodsBigView::MinimumWidth));
-    GoodsBigView->setMaximumWidth(TwipsToPixels(::GoodsBigView::MinimumWidth) + 80);
     LogList1 = new ::LogList(this);
     LogList1->setObjectName(QStringLiteral("LogList1"));
+    // The log keeps its page of seven rows; the goods in hand take the rest.
     side->addWidget(GoodsBigView, 3);
     side->addWidget(LogList1, 2);
-    work->addLayout(side, 0);
+    work->addLayout(side, 1);
     outer->addLayout(work, 1);
 
     // The default goods picture, kept for the views.
