@@ -46,7 +46,18 @@ TEST_F(StationFormTest, TheStationReadsAtAGlance)
     frmPickigGoods* form = openStation();
     form->resize(1366, 860);
     QApplication::processEvents();
+    // Two orders before: one passed, one left short; the log shows both.
+    scanInto(form->TxtID, QStringLiteral("10018"));
+    for (const char* barcode : {"6931000010024", "6931000010154", "6931000010185"})
+        scanInto(form->TxtItemID, QString::fromLatin1(barcode));
+    ASSERT_TRUE(form->ImgSuccess->isVisible());
+    scanInto(form->TxtID, QStringLiteral("10002"));
+    scanInto(form->TxtItemID, QStringLiteral("6931000010161"));
     scanInto(form->TxtID, QStringLiteral("10001"));
+    const QStringList logged = form->LogList1->visibleRowTexts();
+    ASSERT_EQ(logged.size(), 2) << logged.join('|').toStdString();
+    EXPECT_TRUE(logged[0].startsWith(QStringLiteral("10002异常"))) << logged[0].toStdString();
+    EXPECT_TRUE(logged[1].startsWith(QStringLiteral("10018通过"))) << logged[1].toStdString();
     scanInto(form->TxtItemID, QStringLiteral("6931000010017"));
     scanInto(form->TxtItemID, QStringLiteral("6931000010147"));
     ASSERT_EQ(form->lblPickedNum->text(), QStringLiteral("2/4"));
