@@ -1,4 +1,5 @@
 #include "sql_floor.h"
+#include "host/text_collation.h"
 #include "bench_stats.h"
 #include <QSqlError>
 #include <QSqlQuery>
@@ -15,6 +16,8 @@ SqlFloor::SqlFloor(const QString& databaseFile)
     m_open = m_db.open();
     if (!m_open)
         m_error = m_db.lastError().text();
+    else
+        RegisterTextCollation(m_db);
 }
 
 SqlFloor::~SqlFloor()

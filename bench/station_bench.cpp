@@ -1,4 +1,5 @@
 #include "station_bench.h"
+#include "host/text_collation.h"
 #include "app/replay_driver.h"
 #include "bench_stats.h"
 #include "host/demo_database.h"
@@ -90,6 +91,7 @@ BenchOrder readBenchOrder(const QString& file, int lines)
         if (!db.open()) {
             order.error = db.lastError().text();
         } else {
+            RegisterTextCollation(db);
             QSqlQuery q(db);
             q.prepare(QStringLiteral(
                 "SELECT e.FQuantity, b.FBarCode FROM IC_Web2ERPOrdersEntry e"

@@ -8,7 +8,7 @@ PACKAGES=(
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-odbc
   qt6-multimedia-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
   qt6-image-formats-plugins
-  zlib1g-dev libgtest-dev
+  zlib1g-dev libgtest-dev libsqlite3-dev
   fonts-wqy-microhei
   unixodbc-dev tdsodbc unixodbc libsqliteodbc
   espeak-ng sox

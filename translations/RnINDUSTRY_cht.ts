@@ -56,10 +56,6 @@
         <translation>非本單商品</translation>
     </message>
     <message>
-        <source>Velto提示</source>
-        <translation>Velto提示</translation>
-    </message>
-    <message>
         <source>确定启用商业智能？</source>
         <translation>確定啟用商業智能？</translation>
     </message>

@@ -56,10 +56,6 @@
         <translation>Not in this order</translation>
     </message>
     <message>
-        <source>Velto提示</source>
-        <translation>Velto Notice</translation>
-    </message>
-    <message>
         <source>确定启用商业智能？</source>
         <translation>Enable business intelligence?</translation>
     </message>

@@ -2,6 +2,7 @@
 // session's property string, then shows the station through clsPackingGoods.
 #include "app/launcher_options.h"
 #include "app/replay_driver.h"
+#include "host/database_check.h"
 #include "host/demo_database.h"
 #include "host/error_reporter.h"
 #include "host/lang_info.h"
@@ -41,19 +42,12 @@ QString demoPropsString()
     return DemoPropsString(file);
 }
 
-// Opens the session's database once before the station shows, so that a
-// station without its database says so at once instead of on every scan.
+// Looks at the session's database once before the station shows, so that a
+// station without a usable database says so at once instead of on every scan.
 bool checkDatabase(const QString& props, QString& error)
 {
     try {
-        const QString connect = ConnectStringFromProps(props);
-        const ConnectionTarget target = MapConnectString(connect);
-        const bool sqliteFile = target.kind == ConnectionTarget::Sqlite || target.tsqlBridge;
-        if (sqliteFile && !QFileInfo(target.sqliteFile).isFile()) {
-            error = QStringLiteral("database not found: %1").arg(target.sqliteFile);
-            return false;
-        }
-        SqlEngine::forConnectString(connect)->executeBound(QStringLiteral("SELECT 1"));
+        CheckStationDatabase(ConnectStringFromProps(props));
         return true;
     } catch (const HostError& e) {
         error = e.description();

@@ -149,6 +149,29 @@ void clickAt(QWidget* target, const QPoint& point)
     QApplication::sendEvent(target, &release);
 }
 
+// A script line quoted in a message goes to a terminal: control and format
+// characters (escape sequences, bidi overrides, line breaks) are written as
+// \xNN or \uNNNN instead of being sent.
+QString escapedForTerminal(const QString& text)
+{
+    QString out;
+    out.reserve(text.size());
+    for (const QChar c : text) {
+        switch (c.category()) {
+        case QChar::Other_Control:
+        case QChar::Other_Format:
+        case QChar::Separator_Line:
+        case QChar::Separator_Paragraph:
+            out += c.unicode() <= 0xff ? QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'))
+                                       : QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+            break;
+        default:
+            out += c;
+        }
+    }
+    return out;
+}
+
 } // namespace
 
 bool ParseReplayScript(const QString& script, QList<ReplayCommand>& commands, int& badLine, QString& reason)
@@ -175,7 +198,7 @@ bool ParseReplayScript(const QString& script, QList<ReplayCommand>& commands, in
 
         auto fail = [&](const QString& why) {
             badLine = command.lineNumber;
-            reason = why;
+            reason = escapedForTerminal(why);
             return false;
         };
         const QString& verb = command.verb;
@@ -230,16 +253,17 @@ void ReplayDriver::run(frmPickigGoods* form)
     QApplication::setActiveWindow(m_form);
     QApplication::processEvents();
     int step = 0;
+    // What the form showed and played while it opened belongs to the first step.
     for (const ReplayCommand& command : std::as_const(m_commands)) {
         ++step;
-        m_recorder->voices.clear();
-        m_recorder->boxes = QJsonArray();
         execute(command);
         QApplication::processEvents();
         const QByteArray line = QJsonDocument(stateJson(step, command.text)).toJson(QJsonDocument::Compact);
         std::fwrite(line.constData(), 1, size_t(line.size()), stdout);
         std::fputc('\n', stdout);
         std::fflush(stdout);
+        m_recorder->voices.clear();
+        m_recorder->boxes = QJsonArray();
     }
     if (m_form && !m_closed)
         m_form->closeWithoutAsking();

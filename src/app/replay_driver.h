@@ -25,7 +25,8 @@ struct ReplayCommand {
 };
 
 // Parses a script. Blank lines and lines starting with '#' are skipped. On a
-// malformed line returns false with its number and the reason.
+// malformed line returns false with its number and the reason, the script's
+// control characters in it escaped.
 bool ParseReplayScript(const QString& script, QList<ReplayCommand>& commands, int& badLine, QString& reason);
 
 class ReplayDriver {

@@ -230,9 +230,41 @@ GoodsTextView::~GoodsTextView() = default;
 void GoodsTextView::setUpGrid()
 {
     m_grid->setVerticalHeader(new RowNumberHeader(Qt::Vertical, m_grid));
-    QFont dataFont = m_grid->font();
-    dataFont.setPointSize(kDataPointSize);
+    // The columns are fixed in twips, the font is not: each font is the
+    // largest, up to kDataPointSize, whose text shows whole in its column
+    // with the cell's margins. The data font is sized to a 13-digit barcode;
+    // the counts keep a font of their own, large and bold, for four digits.
+    // A cell draws its text inside the column less the grid line and a margin on either side.
+    const int cellMargins = 2 * (m_grid->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, m_grid) + 1) + 1;
+    const auto fitted = [cellMargins](QFont font, const QString& text, int columnTwips) {
+        font.setPointSizeF(kDataPointSize);
+        while (font.pointSizeF() > 6
+               && std::ceil(QFontMetricsF(font).horizontalAdvance(text)) + cellMargins > TwipsToPixels(columnTwips))
+            font.setPointSizeF(font.pointSizeF() - 0.5);
+        return font;
+    };
+    const QFont dataFont = fitted(m_grid->font(), QStringLiteral("6931000010086"), kColumns[ColBarCode - 1].widthTwips);
     m_grid->setFont(dataFont);
+    QFont countFont = dataFont;
+    countFont.setBold(true);
+    countFont = fitted(countFont, QStringLiteral("8888"), kColumns[ColOrderCnt - 1].widthTwips);
+    class CountCellDelegate : public GoodsCellDelegate {
+    public:
+        CountCellDelegate(const QFont& font, QObject* parent) : GoodsCellDelegate(parent), m_font(font) {}
+
+    protected:
+        void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+        {
+            GoodsCellDelegate::initStyleOption(option, index);
+            option->font = m_font;
+            option->fontMetrics = QFontMetrics(m_font);
+        }
+
+    private:
+        QFont m_font;
+    };
+    for (int col : {int(ColOrderCnt), int(ColCheckedCnt)})
+        m_grid->setItemDelegateForColumn(col - 1, new CountCellDelegate(countFont, m_grid));
 
     m_grid->setColumnCount(0);
     m_grid->setRowCount(0);

@@ -1,5 +1,6 @@
 #include "host/demo_database.h"
 #include "host/host_error.h"
+#include "host/text_collation.h"
 #include <QBuffer>
 #include <QColor>
 #include <QFile>
@@ -7,6 +8,7 @@
 #include <QPair>
 #include <QImage>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -348,6 +350,7 @@ public:
         if (!db.open())
             throw HostError(HostErrors::Database,
                             QStringLiteral("Cannot open %1: %2").arg(file, db.lastError().text()));
+        RegisterTextCollation(db);
     }
     ~DemoConnection()
     {
@@ -632,6 +635,19 @@ QString BenchUniqueCode(int largeOrderLines)
 QString DemoSchemaPath()
 {
     return QStringLiteral(":/rnw/demo/schema.sql");
+}
+
+QStringList SchemaTableNames()
+{
+    static const QRegularExpression createTable(QStringLiteral("^CREATE\\s+TABLE\\s+(\\w+)"),
+                                                QRegularExpression::CaseInsensitiveOption);
+    QStringList tables;
+    for (const QString& statement : schemaStatements(schemaText())) {
+        const QRegularExpressionMatch match = createTable.match(statement);
+        if (match.hasMatch())
+            tables << match.captured(1);
+    }
+    return tables;
 }
 
 QString DemoPropsString(const QString& dbFile, int userId)

@@ -2,6 +2,7 @@
 // The demo warehouse: a real SQLite file with items, barcodes, serials,
 // pictures and orders that exercise every path of the station.
 #include <QString>
+#include <QStringList>
 
 // Creates (replacing any file of that name) the demo database. The same data
 // every run. largeOrderLines > 0 adds the benchmark order "BENCH<N>" of that
@@ -17,6 +18,9 @@ QString BenchUniqueCode(int largeOrderLines);
 
 // The schema the generator applies: demo/schema.sql, built into the library.
 QString DemoSchemaPath();
+// The tables that schema creates, in its order: every table the station and
+// the middle tier read or write.
+QStringList SchemaTableNames();
 
 // Flips a company setting of the demo database (category 'EC'), e.g.
 // SetDemoSystemProfile(file, "DeliveryWhenWeightedOrPick", "0").

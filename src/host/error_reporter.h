@@ -9,8 +9,5 @@ void ReportError(long number, const QString& description, QWidget* parent = null
 // The host's message display for a plain description (same box).
 void ShowHostMessage(const QString& description, QWidget* parent = nullptr);
 
-// The language lookup installs itself here so that the box title is translated.
-void SetMessageTranslator(QString (*translate)(const QString&));
-QString TranslateForDisplay(const QString& text);
-
+// The box's name, shown as it is in every language: it is no message text.
 inline const QString VeltoTitle = QStringLiteral("Velto提示");

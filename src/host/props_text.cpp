@@ -1,5 +1,21 @@
 #include "host/props_text.h"
 
+namespace {
+
+// Keys and values lose their blanks, nothing else: a tab or a line break
+// belongs to the text ("\tUserID" is not UserID).
+QString trimBlanks(const QString& text)
+{
+    qsizetype start = 0, end = text.size();
+    while (start < end && text.at(start) == QLatin1Char(' '))
+        ++start;
+    while (end > start && text.at(end - 1) == QLatin1Char(' '))
+        --end;
+    return text.mid(start, end - start);
+}
+
+} // namespace
+
 QList<QPair<QString, QString>> SplitPropsText(const QString& text)
 {
     QList<QPair<QString, QString>> pairs;
@@ -14,10 +30,10 @@ QList<QPair<QString, QString>> SplitPropsText(const QString& text)
             key = rest.left(eq);
             rest = rest.mid(eq + 1);
         }
-        key = key.trimmed();
+        key = trimBlanks(key);
 
         QString value;
-        rest = rest.trimmed();
+        rest = trimBlanks(rest);
         if (rest.startsWith(QLatin1Char('{'))) {
             rest = rest.mid(1);
             const int close = rest.indexOf(QLatin1Char('}'));
@@ -40,7 +56,7 @@ QList<QPair<QString, QString>> SplitPropsText(const QString& text)
                 rest = rest.mid(semi + 1);
             }
         }
-        value = value.trimmed();
+        value = trimBlanks(value);
 
         if (key.isEmpty())
             break;

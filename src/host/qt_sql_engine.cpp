@@ -67,6 +67,12 @@ QSqlDatabase& QtSqlEngine::database()
         throw HostError(HostErrors::Database,
                         maskSecrets(QStringLiteral("Cannot open the database %1: %2").arg(displayName(), engineText)));
     }
+    try {
+        prepareConnection(m_db);
+    } catch (...) {
+        close();
+        throw;
+    }
     m_open = true;
     return m_db;
 }

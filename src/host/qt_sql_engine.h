@@ -30,6 +30,8 @@ protected:
     virtual bool connectionLost(const QSqlError& error) const = 0;
     // Runs before every use of an open connection (a file that is gone).
     virtual void checkConnection() {}
+    // Runs once on every connection just opened, before its first statement.
+    virtual void prepareConnection(QSqlDatabase&) {}
     virtual void beginTransaction();
     virtual void commitTransaction();
     virtual void rollbackTransaction();

@@ -1,4 +1,5 @@
 #include "host/sql_engine.h"
+#include "host/platform.h"
 #include "host/host_error.h"
 #include "host/odbc_engine.h"
 #include "host/props_text.h"
@@ -72,6 +73,11 @@ EngineRegistry& registry()
 
 } // namespace
 
+QString TextCollationExtensionPath()
+{
+    return ComponentFolder() + QStringLiteral("librnwcollation.so");
+}
+
 ConnectionTarget MapConnectString(const QString& connectString)
 {
     const auto pairs = SplitPropsText(connectString);
@@ -93,7 +99,12 @@ ConnectionTarget MapConnectString(const QString& connectString)
         if (target.sqliteFile.isEmpty())
             throw HostError(HostErrors::Database, QStringLiteral("The connect string names no database file (Database)."));
         bool timeoutGiven = false;
+        QString extensions = TextCollationExtensionPath();
         for (const auto& pair : pairs) {
+            if (pair.first.compare(QLatin1String("LoadExt"), Qt::CaseInsensitive) == 0) {
+                extensions += QLatin1Char(',') + pair.second;
+                continue;
+            }
             if (pair.first.compare(QLatin1String("Provider"), Qt::CaseInsensitive) == 0
                 || pair.first.compare(QLatin1String("NoCreat"), Qt::CaseInsensitive) == 0
                 || pair.first.compare(QLatin1String("BigInt"), Qt::CaseInsensitive) == 0)
@@ -108,6 +119,8 @@ ConnectionTarget MapConnectString(const QString& connectString)
         appendAttribute(target.odbcConnectString, QStringLiteral("BigInt"), QStringLiteral("1"));
         if (!timeoutGiven)
             appendAttribute(target.odbcConnectString, QStringLiteral("Timeout"), QString::number(kSqliteBusyTimeoutMs));
+        // text compares as on the embedded engine: the driver loads the collation
+        appendAttribute(target.odbcConnectString, QStringLiteral("LoadExt"), extensions);
         return target;
     }
     if (hasKey(pairs, {"Driver", "DSN", "FileDSN"})) {

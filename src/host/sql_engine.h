@@ -34,6 +34,10 @@ struct ConnectionTarget {
 // for another program's lock as the embedded engine.
 ConnectionTarget MapConnectString(const QString& connectString);
 
+// The SQLite extension with the text comparison of the demo schema, beside
+// the component; the SQLite ODBC driver is told to load it.
+QString TextCollationExtensionPath();
+
 // The text with every password value replaced by "***" (Password=, Pwd=,
 // in a connect string or a property string, braces honoured).
 QString MaskPasswords(const QString& text);

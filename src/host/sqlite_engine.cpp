@@ -1,6 +1,7 @@
 #include "host/sqlite_engine.h"
 #include "host/host_error.h"
 #include "host/sql_statement_trace.h"
+#include "host/text_collation.h"
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QUrl>
@@ -22,6 +23,12 @@ void SqliteEngine::checkConnection()
 {
     if (!fileReachable(m_file))
         close();
+}
+
+void SqliteEngine::prepareConnection(QSqlDatabase& db)
+{
+    // Text compares as on the ERP's server, on every connection.
+    RegisterTextCollation(db);
 }
 
 bool SqliteEngine::connectionLost(const QSqlError& error) const

@@ -16,6 +16,7 @@ protected:
     QString displayName() const override { return m_file; }
     bool connectionLost(const QSqlError& error) const override;
     void checkConnection() override;
+    void prepareConnection(QSqlDatabase& db) override;
     void beginTransaction() override;
     void commitTransaction() override;
     void rollbackTransaction() override;

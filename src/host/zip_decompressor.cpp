@@ -1,11 +1,8 @@
-// VqZIP.ZIP: attachments are gzip streams. The picture is written to a
-// temporary file beside the target and renamed over it, so a view never
-// loads a half-written picture; a corrupt source leaves the target as it was.
+// VqZIP.ZIP: attachments are gzip streams. The whole stream is inflated in
+// memory before the target is touched, so a corrupt source leaves the target
+// as it was.
 #include "host/object_factory.h"
 #include <QFile>
-#include <QTemporaryFile>
-#include <filesystem>
-#include <system_error>
 #include <zlib.h>
 
 namespace {
@@ -64,19 +61,13 @@ public:
             throw HostError(HostErrors::FileError, QStringLiteral("File not found: %1").arg(sourcePath));
         const QByteArray data = gunzip(source.readAll(), sourcePath);
 
-        // A rename within one folder replaces the file in one step. No sync to
-        // disk: the folder is a cache that the next order fills again.
-        QTemporaryFile temp(targetPath + QStringLiteral(".XXXXXX"));
-        if (!temp.open() || temp.write(data) != data.size() || !temp.flush())
-            throw HostError(HostErrors::FileError, QStringLiteral("Cannot write %1").arg(targetPath));
-        temp.close();
-        std::error_code error;
-        std::filesystem::rename(QFile::encodeName(temp.fileName()).toStdString(),
-                                QFile::encodeName(targetPath).toStdString(), error);
-        if (error)
-            throw HostError(HostErrors::FileError, QStringLiteral("Cannot write %1: %2")
-                                                       .arg(targetPath, QString::fromLocal8Bit(error.message().c_str())));
-        temp.setAutoRemove(false);
+        // The target is written over in place: every order load writes each
+        // picture again, mostly with the same bytes, and replacing the file
+        // instead would free its blocks each time (a discard on some disks).
+        QFile target(targetPath);
+        if (!target.open(QIODevice::ReadWrite) || target.write(data) != data.size() || !target.resize(data.size())
+            || !target.flush())
+            throw HostError(HostErrors::FileError, QStringLiteral("Cannot write %1: %2").arg(targetPath, target.errorString()));
     }
 };
 

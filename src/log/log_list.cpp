@@ -81,6 +81,9 @@ LogList::LogList(QWidget* parent)
         b->setMinimumSize(32, 28);
     ui->ChkOnlyError->setText(LoadString(QStringLiteral("只显示异常")));
     ui->ImgSave->setText(LoadString(QStringLiteral("另存为")));
+    // A whole page of rows always fits: the last page keeps seven rows in view.
+    ui->PicBack->setMinimumHeight(TwipsToPixels(LogListModel::PageRows * LogListModel::RowHeightTwips)
+                                  + 2 * ui->PicBack->frameWidth());
     ui->PicBack->setAutoFillBackground(true);
     QPalette pal = ui->PicBack->palette();
     pal.setColor(QPalette::Window, QColor(0xFF, 0xFF, 0xFF));

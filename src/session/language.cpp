@@ -1,5 +1,4 @@
 #include "session/language.h"
-#include "host/error_reporter.h"
 #include "host/object_factory.h"
 #include <QWidget>
 #include <memory>
@@ -51,14 +50,6 @@ IResLoader& resLoader()
     }
     return *s.resLoader;
 }
-
-QString translateForDisplay(const QString& text) { return LoadString(text); }
-
-// The error box title goes through the same lookup as every other text.
-const bool translatorInstalled = [] {
-    SetMessageTranslator(&translateForDisplay);
-    return true;
-}();
 
 } // namespace
 

@@ -60,5 +60,6 @@ T convert(const QVariant& value)
 
 } // namespace
 
+double variantToDouble(const QVariant& value) { return toDouble(value); }
 qint32 variantToLong(const QVariant& value) { return convert<qint32>(value); }
 qint16 variantToInteger(const QVariant& value) { return convert<qint16>(value); }

@@ -5,5 +5,6 @@
 // 94 invalid use of Null).
 #include <QVariant>
 
+double variantToDouble(const QVariant& value);   // CDbl
 qint32 variantToLong(const QVariant& value);     // CLng
 qint16 variantToInteger(const QVariant& value);  // CInt

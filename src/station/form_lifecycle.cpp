@@ -7,6 +7,7 @@
 #include "orderdata/order_goods.h"
 #include "session/host_session.h"
 #include "session/language.h"
+#include "session/variant_convert.h"
 #include "station/frm_pickig_goods.h"
 #include "station/scan_line_edit.h"
 #include "station/station_sql.h"
@@ -21,13 +22,37 @@ const QString ProfileCategory = QStringLiteral("EC");
 const QString BarCodeProfileKey = QStringLiteral("PickGoods_chkBarCode");
 const QString ShowTextProfileKey = QStringLiteral("PickGoods_chkShowText");
 
-// A stored option: a number when it reads as one, else the default.
+QVariant storedOption(const GoodsRecord& record, const QString& key)
+{
+    return record.isNone() ? QVariant() : record.GetValue(key);
+}
+
+// A stored option compared with 0: a value that is 0 unchecks the box,
+// anything else checks it ("1.0", "yes"); nothing stored keeps the default.
+bool optionChecked(const GoodsRecord& record, const QString& key, bool defaultValue)
+{
+    const QVariant value = storedOption(record, key);
+    if (!value.isValid() || value.isNull())
+        return defaultValue;
+    try {
+        return variantToDouble(value) != 0;
+    } catch (const HostError&) {
+        return true;   // text that is no number is no 0
+    }
+}
+
+// A stored option that is the box's value: 0, 1 or 2 as a number; anything
+// else keeps the default.
 int optionValue(const GoodsRecord& record, const QString& key, int defaultValue)
 {
-    const QVariant value = record.isNone() ? QVariant() : record.GetValue(key, defaultValue);
-    bool ok = false;
-    const int number = value.toString().trimmed().toInt(&ok);
-    return ok ? number : defaultValue;
+    const QVariant value = storedOption(record, key);
+    if (!value.isValid() || value.isNull())
+        return defaultValue;
+    try {
+        return variantToInteger(value);
+    } catch (const HostError&) {
+        return defaultValue;
+    }
 }
 
 bool settingIsOn(const RecordsetPtr& rs)
@@ -75,9 +100,9 @@ void frmPickigGoods::LoadOptions()
     guarded(this, [this] {
         auto profile = CreateServerObjectAs<IUserProfile>(ProgIds::UserProfile);
         const GoodsRecord barCode = profile->LoadUserProfile(GetPropsString(), ProfileCategory, BarCodeProfileKey);
-        chkBarCode->setChecked(optionValue(barCode, QStringLiteral("chkBarCode"), 1) != 0);
+        chkBarCode->setChecked(optionChecked(barCode, QStringLiteral("chkBarCode"), true));
         const GoodsRecord showText = profile->LoadUserProfile(GetPropsString(), ProfileCategory, ShowTextProfileKey);
-        chkHaveSerial->setChecked(optionValue(showText, QStringLiteral("chkHaveSerial"), 0) != 0);
+        chkHaveSerial->setChecked(optionChecked(showText, QStringLiteral("chkHaveSerial"), false));
         // The stored number is the box's value: 2 is the grey state of a check box.
         const int showTextValue = optionValue(showText, QStringLiteral("chkShowText"), 0);
         chkShowText->setTristate(showTextValue == 2);

@@ -243,19 +243,20 @@ void frmPickigGoods::buildControls()
     ImgSuccess->setPixmap(drawPassStamp(devicePixelRatioF()));
     ImgSuccess->setFixedSize(StampWidth, StampHeight);
     ImgSuccess->setToolTip(QStringLiteral("通过"));
-    work->addWidget(PiclistBack, 1);
+    // The goods take three quarters of the width, the side column the rest.
+    work->addWidget(PiclistBack, 3);
 
     auto* side = new QVBoxLayout;
     side->setSpacing(8);
     GoodsBigView = new ::GoodsBigView(this);
     GoodsBigView->setObjectName(QStringLiteral("GoodsBigView"));
     GoodsBigView->setMinimumWidth(TwipsToPixels(::GoodsBigView::MinimumWidth));
-    GoodsBigView->setMaximumWidth(TwipsToPixels(::GoodsBigView::MinimumWidth) + 80);
     LogList1 = new ::LogList(this);
     LogList1->setObjectName(QStringLiteral("LogList1"));
+    // The log keeps its page of seven rows; the goods in hand take the rest.
     side->addWidget(GoodsBigView, 3);
     side->addWidget(LogList1, 2);
-    work->addLayout(side, 0);
+    work->addLayout(side, 1);
     outer->addLayout(work, 1);
 
     // The default goods picture, kept for the views.
@@ -370,9 +371,9 @@ void frmPickigGoods::connectHandlers()
 
 int frmPickigGoods::ShowMessageBox(const QString& prompt, int buttons, const QString& title)
 {
-    const QString shownTitle = title == VeltoTitle ? LoadString(title) : title;
+    // The title is the box's name, not a message: it is shown as given.
     auto box = CreateServerObjectAs<IMessageBox>(ProgIds::MessageBox);
-    return box->Show(this, prompt, buttons, shownTitle);
+    return box->Show(this, prompt, buttons, title);
 }
 
 void frmPickigGoods::ResetPickState()

@@ -197,13 +197,26 @@ GoodsBigView::Layout GoodsBigView::layoutFor(int widthPixels, int heightPixels) 
     Layout l;
     l.back = QRect(0, 0, w, h);
     l.name = QRect(Gap / 2, h - NameHeight - Gap / 2, qMax(0, w - Gap), NameHeight);
-    // The picture takes the height left above the name, less the 120 gap, as
-    // a square; the counts stand to its right.
-    const int side = qMax(0, qMin(w - CountsWidth - Gap, h - NameHeight - Gap / 2 - PictureGap));
-    const int inner = qMax(0, side - 2 * SelectInset);
-    l.picture = m_selected ? QRect(SelectInset, SelectInset, inner, inner) : QRect(0, 0, side, side);
-    const int countsLeft = side + Gap * 2;
-    l.counts = QRect(countsLeft, Gap, qMax(0, w - countsLeft - Gap), qMax(0, l.name.top() - Gap));
+    // The picture takes the room above the name, less the 120 gap, that the
+    // counts leave: beside it in a column, or under it in a row when that
+    // gives the larger picture (a narrow, tall control).
+    const int room = qMax(0, l.name.top() - PictureGap);
+    const int countsRow = CaptionHeight + CountHeight;
+    const int besideWidth = qMax(0, w - CountsColumn);
+    const int belowHeight = qMax(0, room - countsRow - Gap);
+    l.countsBelow = qMin(w, belowHeight) > qMin(besideWidth, room);
+    // Beside the counts the picture is no wider than high: what width is
+    // left goes to the counts.
+    const QRect box = l.countsBelow ? QRect(0, 0, w, belowHeight) : QRect(0, 0, qMin(besideWidth, room), room);
+    l.picture = m_selected ? box.adjusted(SelectInset, SelectInset, -SelectInset, -SelectInset) : box;
+    if (l.picture.width() < 0 || l.picture.height() < 0)
+        l.picture = QRect(box.topLeft(), QSize(0, 0));
+    if (l.countsBelow) {
+        l.counts = QRect(Gap / 2, box.bottom() + 1 + Gap, qMax(0, w - Gap), countsRow);
+    } else {
+        const int countsLeft = box.right() + 1 + Gap * 2;
+        l.counts = QRect(countsLeft, Gap, qMax(0, w - countsLeft - Gap), qMax(0, l.name.top() - Gap));
+    }
     return l;
 }
 
@@ -213,16 +226,23 @@ void GoodsBigView::layoutChildren()
     PicBack->setGeometry(toPixels(l.back));
     imgMain->setGeometry(toPixels(l.picture));
     lblGoodsName->setGeometry(toPixels(l.name));
-    int y = l.counts.top();
     const int x = l.counts.left();
+    const int y = l.counts.top();
+    if (l.countsBelow) {
+        // Ordered and checked side by side.
+        const int half = l.counts.width() / 2;
+        lblOrderCaption->setGeometry(toPixels(QRect(x, y, half, CaptionHeight)));
+        lblOrderCnt->setGeometry(toPixels(QRect(x, y + CaptionHeight, half, CountHeight)));
+        lblCheckedCaption->setGeometry(toPixels(QRect(x + half, y, l.counts.width() - half, CaptionHeight)));
+        lblCheckedCnt->setGeometry(toPixels(QRect(x + half, y + CaptionHeight, l.counts.width() - half, CountHeight)));
+        return;
+    }
     const int cw = l.counts.width();
     lblOrderCaption->setGeometry(toPixels(QRect(x, y, cw, CaptionHeight)));
-    y += CaptionHeight;
-    lblOrderCnt->setGeometry(toPixels(QRect(x, y, cw, CountHeight)));
-    y += CountHeight + Gap * 2;
-    lblCheckedCaption->setGeometry(toPixels(QRect(x, y, cw, CaptionHeight)));
-    y += CaptionHeight;
-    lblCheckedCnt->setGeometry(toPixels(QRect(x, y, cw, CountHeight)));
+    lblOrderCnt->setGeometry(toPixels(QRect(x, y + CaptionHeight, cw, CountHeight)));
+    const int checkedTop = y + CaptionHeight + CountHeight + Gap * 2;
+    lblCheckedCaption->setGeometry(toPixels(QRect(x, checkedTop, cw, CaptionHeight)));
+    lblCheckedCnt->setGeometry(toPixels(QRect(x, checkedTop + CaptionHeight, cw, CountHeight)));
 }
 
 void GoodsBigView::resizeEvent(QResizeEvent* event)

@@ -19,7 +19,7 @@ public:
     static constexpr int MinimumWidth = 4000;   // twips
     static constexpr int DesignPicture = 2400;  // the picture side at design size
     static constexpr int SelectInset = 30;      // selection insets the picture by this
-    static constexpr int CountsWidth = 1500;    // the counts column right of the picture
+    static constexpr int CountsColumn = 1600;   // the counts right of the picture, with their gaps
     static constexpr int NameHeight = 600;
 
     explicit GoodsBigView(QWidget* parent = nullptr);
@@ -73,7 +73,8 @@ private:
         QRect back;
         QRect picture;
         QRect name;
-        QRect counts;   // the column right of the picture
+        QRect counts;   // right of the picture, or a row under it
+        bool countsBelow = false;
     };
     Layout layoutFor(int widthPixels, int heightPixels) const;
     void layoutChildren();

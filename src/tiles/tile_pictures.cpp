@@ -1,7 +1,9 @@
 #include "tiles/tile_pictures.h"
 #include "host/platform.h"
+#include <QBuffer>
 #include <QCache>
-#include <QDateTime>
+#include <QCryptographicHash>
+#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
@@ -58,15 +60,17 @@ QPixmap load(const QString& path, const QSize& size)
 {
     if (path.isEmpty() || size.width() < 1 || size.height() < 1)
         return QPixmap();
-    const QFileInfo info(path);
-    if (!info.isFile())
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return QPixmap();
+    QByteArray bytes = file.readAll();
+    file.close();
     const qreal ratio = pixelRatio();
-    // The file's stamp is part of the key: an order load rewrites "Tmp_" files.
-    const QString key = QStringLiteral("%1|%2|%3|%4x%5@%6")
-                            .arg(info.absoluteFilePath())
-                            .arg(info.lastModified().toMSecsSinceEpoch())
-                            .arg(info.size())
+    // Keyed by the picture's bytes: every order load writes the "Tmp_" files
+    // again, mostly with the same pictures, which then need no new decode.
+    const QString key = QStringLiteral("%1|%2|%3x%4@%5")
+                            .arg(QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha1).toHex()))
+                            .arg(bytes.size())
                             .arg(size.width())
                             .arg(size.height())
                             .arg(ratio);
@@ -74,7 +78,9 @@ QPixmap load(const QString& path, const QSize& size)
     if (QPixmap* hit = cache(target).object(key))
         return *hit;
 
-    QImageReader reader(path);
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
     reader.setAutoTransform(true);
     const QSize source = reader.size();
     const QSize fitted = source.isValid() ? source.scaled(target, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)) : QSize();

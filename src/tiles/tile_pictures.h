@@ -11,8 +11,9 @@ namespace TilePictures {
 QString defaultPath();
 
 // The picture in `path` fitted into `size` device-independent pixels (aspect
-// ratio kept), from the cache when the file has not changed since. A null
-// pixmap when the file can't be read or is no picture.
+// ratio kept), from the cache when the same bytes were decoded at that size
+// before (under any file name). A null pixmap when the file can't be read or
+// is no picture.
 QPixmap load(const QString& path, const QSize& size);
 
 // The outcome of writing a picture path to a tile.

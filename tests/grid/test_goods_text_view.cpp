@@ -1,9 +1,11 @@
 #include "grid/goods_text_view.h"
 #include "host/platform.h"
 #include "grid/order_fixture.h"
+#include <QAbstractItemDelegate>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QHeaderView>
+#include <QStyleOptionViewItem>
 #include <QTableWidget>
 #include <QTest>
 
@@ -390,4 +392,36 @@ TEST_F(GoodsTextViewTest, ScreenshotOfAPartlyPickedOrder)
     EXPECT_EQ(view.rowColor(6), Red);
     const QString file = screenshotDir() + "/goods_text_view.png";
     EXPECT_TRUE(view.grab().save(file));
+}
+
+TEST_F(GoodsTextViewTest, BarcodesAndModelsFitTheirColumnsAndCountsStayLarge)
+{
+    // Texts of the demo warehouse at their longest.
+    load({{1, 900, "占位", "", "", 1},
+          {11, 1008, "保温杯", "6931000010086", "500ml 不锈钢", 12},
+          {12, 1018, "洗衣液", "6931000010185", "2kg 薰衣草", 1},
+          {13, 1007, "移动电源", "6931000010079", "10000mAh", 9999}});
+    GoodsTextView view;
+    view.resize(TwipsToPixels(9200), TwipsToPixels(5200));
+    view.show();
+    view.LoadPickingGoods();
+    QTableWidget* grid = view.fpGoods();
+    auto needs = [grid](int row, int col) {
+        const QModelIndex index = grid->model()->index(row - 1, col - 1);
+        QStyleOptionViewItem option;
+        option.initFrom(grid->viewport());
+        option.font = grid->font();
+        option.fontMetrics = QFontMetrics(option.font);
+        return grid->itemDelegateForIndex(index)->sizeHint(option, index);
+    };
+    for (int row = 1; row <= 3; ++row) {
+        for (int col : {int(GoodsTextView::ColBarCode), int(GoodsTextView::ColModel), int(GoodsTextView::ColOrderCnt)}) {
+            // The cell is drawn one pixel narrower than its column (the grid line).
+            EXPECT_LT(needs(row, col).width(), grid->columnWidth(col - 1))
+                << view.cellText(row, col).toStdString() << " in column " << col;
+        }
+    }
+    // The counts are read from a step away: drawn larger than the texts beside them.
+    EXPECT_GT(needs(3, GoodsTextView::ColOrderCnt).height(), needs(3, GoodsTextView::ColBarCode).height());
+    EXPECT_TRUE(view.grab().save(screenshotDir() + "/goods_text_view_columns.png"));
 }

@@ -1,6 +1,7 @@
 // The demo warehouse: schema, contents, pictures and determinism.
 #include "host/demo_database.h"
 #include "host/host_error.h"
+#include "host/text_collation.h"
 #include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
@@ -31,6 +32,7 @@ public:
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
         db.setDatabaseName(file);
         EXPECT_TRUE(db.open());
+        RegisterTextCollation(db);
     }
     ~Db()
     {

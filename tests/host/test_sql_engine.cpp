@@ -136,13 +136,21 @@ TEST(ConnectStringMapping, TheSqliteOdbcDriverGetsTheBridgeAndTheFileRules)
     EXPECT_TRUE(t.tsqlBridge);
     EXPECT_EQ(t.sqliteFile, "/var/lib/rnw/demo.db");
     // never a new empty file, 64-bit numbers, the embedded engine's wait for a lock
-    EXPECT_EQ(t.odbcConnectString, "Driver=SQLite3;Database=/var/lib/rnw/demo.db;NoCreat=1;BigInt=1;Timeout=5000;");
+    // and the text comparison of the demo schema, loaded from beside the component
+    EXPECT_EQ(t.odbcConnectString, "Driver=SQLite3;Database=/var/lib/rnw/demo.db;NoCreat=1;BigInt=1;Timeout=5000;LoadExt="
+                                       + TextCollationExtensionPath() + ";");
+    EXPECT_TRUE(TextCollationExtensionPath().endsWith("/librnwcollation.so"));
 
     // braces and case; a wait of its own is kept, a NoCreat=0 or BigInt=0 is not
     t = MapConnectString(" driver = {sqlite3} ; Database={/tmp/a;b/demo.db};Timeout=800;NoCreat=0;bigint=0;PWD=x");
     EXPECT_TRUE(t.tsqlBridge);
     EXPECT_EQ(t.sqliteFile, "/tmp/a;b/demo.db");
-    EXPECT_EQ(t.odbcConnectString, "driver=sqlite3;Database={/tmp/a;b/demo.db};Timeout=800;PWD=x;NoCreat=1;BigInt=1;");
+    EXPECT_EQ(t.odbcConnectString, "driver=sqlite3;Database={/tmp/a;b/demo.db};Timeout=800;PWD=x;NoCreat=1;BigInt=1;LoadExt="
+                                       + TextCollationExtensionPath() + ";");
+    // an extension of the site's own is loaded after ours
+    t = MapConnectString("Driver=SQLite3;Database=/d.db;LoadExt=/opt/ext/spatial.so");
+    EXPECT_TRUE(t.odbcConnectString.endsWith("LoadExt=" + TextCollationExtensionPath() + ",/opt/ext/spatial.so;"))
+        << t.odbcConnectString.toStdString();
 
     try {
         MapConnectString("Driver=SQLite3;Timeout=800");
@@ -228,7 +236,7 @@ TEST(OdbcEngine, OnlyTheSqliteDriverGetsTheBridge)
     // what the server would get, it gets, letter for letter
     SqlStatementTrace::setCapturing(true);
     auto plain = SqlEngine::forConnectString("Driver=libsqlite3odbc.so;Database=" + file);
-    const QString common = "select FName from t_ICItem where FNumber ='04.004'";
+    const QString common = "select FName from t_ICItem where FItemID = 1023";
     rs = plain->executeBatch(common);
     ASSERT_FALSE(rs->isEOF());
     EXPECT_EQ(rs->Fields("FName").toString(), "棒球帽");
@@ -477,4 +485,61 @@ TEST_P(SqlEngineTest, OwnTransactionsNestAndRollBack)
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM t_Stock"), 3);
     // one engine per connect string
     EXPECT_EQ(e.get(), engine().get());
+}
+
+TEST_P(SqlEngineTest, TextComparesAsOnTheServerCaseAndTrailingBlanksAside)
+{
+    auto db = engine();
+    // 'SF10019 ' is stored with a trailing blank; one item's barcode is all blanks.
+    db->executeBound(QStringLiteral("UPDATE IC_Web2ERPOrders SET FLogisticsOrder = ? WHERE FUniqueCode = ?"),
+                     {QStringLiteral("SF10019 "), QStringLiteral("10019")});
+    db->executeBound(QStringLiteral("UPDATE t_ICItem SET FBarcode = ? WHERE FItemID = 1015"), {QStringLiteral("   ")});
+
+    struct Case {
+        const char* sql;
+        qint64 count;
+    };
+    const Case cases[] = {
+        {"select count(*) from IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='SF10019'", 1},
+        {"select count(*) from IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='sf10019  '", 1},
+        {"select count(*) from IC_Web2ERPOrders with(nolock) where FLogisticsOrder =' SF10019'", 0},
+        {"select count(*) from IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='SF1001'", 0},
+        {"select count(*) from t_ICItem with(nolock) where FItemID = 1015 and FBarcode <> ''", 0},
+        {"select count(*) from t_ICItem with(nolock) where FItemID = 1015 and FBarcode = ''", 1},
+        {"select count(*) from t_ICItem with(nolock) where FItemID = 1016 and FBarcode <> ''", 1},
+        // Only blanks: a tab is text.
+        {"select count(*) from t_ICItem with(nolock) where FItemID = 1015 and FBarcode = '\t'", 0},
+    };
+    for (const Case& c : cases) {
+        const RecordsetPtr rs = db->executeBatch(QString::fromUtf8(c.sql));
+        ASSERT_FALSE(rs->isEOF()) << c.sql;
+        EXPECT_EQ(rs->Fields(rs->columns().first()).toLongLong(), c.count) << c.sql;
+    }
+
+    // Still a search of the index, not a scan of the table.
+    for (const char* sql : {"EXPLAIN QUERY PLAN SELECT FID FROM IC_Web2ERPOrders WHERE FLogisticsOrder = 'SF10019'",
+                            "EXPLAIN QUERY PLAN SELECT FItemID FROM t_Barcode WHERE FBarCode = '6931000010017'",
+                            "EXPLAIN QUERY PLAN SELECT FSerialID FROM ICSerial WHERE FSerialNum = 'W1-0001'"}) {
+        QStringList plan;
+        for (RecordsetPtr rs = db->executeBound(QString::fromUtf8(sql)); !rs->isEOF(); rs->MoveNext())
+            plan << rs->Fields(QStringLiteral("detail")).toString();
+        EXPECT_TRUE(plan.join('|').contains(QStringLiteral("USING INDEX")) || plan.join('|').contains(QStringLiteral("USING COVERING INDEX")))
+            << sql << ": " << plan.join('|').toStdString();
+    }
+}
+
+TEST_P(SqlEngineTest, ADatabaseOfPlainNoCaseColumnsKeepsWorking)
+{
+    const QString file = m_dir.filePath(QStringLiteral("older.db"));
+    {
+        QFile f(file);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    }
+    auto older = SqlEngine::forConnectString(connect(file));
+    older->executeBound(QStringLiteral("CREATE TABLE t_Barcode (FID INTEGER PRIMARY KEY, FItemID INTEGER, FBarCode TEXT COLLATE NOCASE)"));
+    older->executeBound(QStringLiteral("CREATE INDEX IX_Barcode_BarCode ON t_Barcode (FBarCode)"));
+    older->executeBound(QStringLiteral("INSERT INTO t_Barcode (FItemID, FBarCode) VALUES (1, 'dx-usbc-1m')"));
+    const RecordsetPtr rs = older->executeBatch(QStringLiteral("select FItemID from t_Barcode with(nolock) where FBarCode ='DX-USBC-1M'"));
+    ASSERT_FALSE(rs->isEOF());
+    EXPECT_EQ(rs->Fields(QStringLiteral("FItemID")).toInt(), 1);
 }

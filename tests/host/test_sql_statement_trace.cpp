@@ -5,6 +5,7 @@
 #include "host/host_error.h"
 #include "host/sql_engine.h"
 #include "host/sql_statement_trace.h"
+#include "host/text_collation.h"
 #include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -115,6 +116,7 @@ TEST_F(SqlTraceTest, CapturedStatementsRunAgainGiveTheSameRows)
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("trace_replay"));
         db.setDatabaseName(m_file);
         ASSERT_TRUE(db.open());
+        RegisterTextCollation(db);
         QSqlQuery q(db);
         ASSERT_TRUE(q.prepare(first.sql));
         for (int i = 0; i < first.params.size(); ++i)

@@ -28,6 +28,7 @@ protected:
 
 struct ZipLog {
     QStringList calls;
+    QList<QByteArray> sources;   // the compressed file as each call found it
     bool fail = false;
 };
 
@@ -37,6 +38,7 @@ public:
     void DeCompress(const QString& source, const QString& target) override
     {
         m_log->calls << source + " -> " + target;
+        m_log->sources << readFile(source);
         if (m_log->fail)
             throw HostError(HostErrors::FileError, QStringLiteral("bad archive"));
         QFile::remove(target);
@@ -97,6 +99,23 @@ TEST_F(GoodsPictures, TheSameItemTwiceOverwritesItsPicture)
     EXPECT_TRUE(WriteGoodsPicture(Props, 1, QStringLiteral("101")));
     EXPECT_EQ(readFile(temp + "Tmp_101"), "one");
     EXPECT_EQ(filesInTemp(), QStringList({"Tmp_101"}));  // the compressed file is gone
+}
+
+TEST_F(GoodsPictures, EveryLineWritesAndDecompressesItsPictureAgain)
+{
+    auto zip = std::make_shared<ZipLog>();
+    RegisterServerObject(ProgIds::Zip, [zip] { return std::make_shared<FakeZip>(zip); });
+    accessory->attachments.insert(7, QByteArray("seven"));
+    // Two lines of one item, then the same order loaded again.
+    for (int line = 0; line < 3; ++line) {
+        EXPECT_TRUE(WriteGoodsPicture(Props, 7, QStringLiteral("101")));
+        EXPECT_EQ(readFile(temp + "Tmp_101"), "seven");
+    }
+    EXPECT_EQ(accessory->ids, QList<int>({7, 7, 7}));
+    const QString call = temp + "101 -> " + temp + "Tmp_101";
+    EXPECT_EQ(zip->calls, QStringList({call, call, call}));
+    EXPECT_EQ(zip->sources, QList<QByteArray>({"seven", "seven", "seven"}));
+    EXPECT_EQ(filesInTemp(), QStringList({"Tmp_101"}));
 }
 
 TEST_F(GoodsPictures, FailuresGiveFalseAndKeepTheLastGoodPicture)

@@ -2,6 +2,8 @@
 // by replay scripts, read back from its JSON lines and from the database.
 #include "support/replay_harness.h"
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <gtest/gtest.h>
 
 namespace {
@@ -263,4 +265,131 @@ TEST(OrderScanReplay, ExitCodesForABadScriptAndAMissingDatabase)
 
     // Unknown arguments are refused before anything runs.
     EXPECT_EQ(h.runRaw({QStringLiteral("--bogus")}).exitCode, 2);
+}
+
+TEST(OrderScanReplay, AFileThatIsNoUsableDatabaseEndsWithItsNameAndTheProblem)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    QFile demo(h.databaseFile());
+    ASSERT_TRUE(demo.open(QIODevice::ReadOnly));
+    const QByteArray whole = demo.readAll();
+    demo.close();
+    ASSERT_GT(whole.size(), 64 * 1024);
+
+    QByteArray noise(64 * 1024, '\0');
+    quint32 seed = 12345;
+    for (char& c : noise) {
+        seed = seed * 1103515245u + 12345u;
+        c = char(seed >> 24);
+    }
+    struct Case {
+        const char* name;
+        QByteArray bytes;
+        const char* problem;   // a word the message must hold, lower case
+    };
+    const Case cases[] = {
+        {"truncated.db", whole.left(whole.size() / 2), "malformed"},
+        {"header-only.db", whole.left(100), "malformed"},
+        {"random.db", noise, "not a database"},
+        {"empty.db", QByteArray(), "ic_web2erporders"},
+    };
+    for (const Case& c : cases) {
+        const QString file = h.folder() + QLatin1Char('/') + QLatin1String(c.name);
+        QFile out(file);
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(c.bytes);
+        out.close();
+        const ReplayRun run = h.run(QStringLiteral("state\n"),
+                                    {QStringLiteral("--props"),
+                                     QStringLiteral("UserID=1;ConnectString={Provider=SQLite;Data Source=%1};").arg(file)});
+        EXPECT_EQ(run.exitCode, 1) << c.name << ": " << run.describe().toStdString();
+        EXPECT_TRUE(run.steps.isEmpty()) << c.name;
+        EXPECT_TRUE(run.standardError.contains(file)) << c.name << ": " << run.standardError.toStdString();
+        EXPECT_TRUE(run.standardError.toLower().contains(QLatin1String(c.problem)))
+            << c.name << ": " << run.standardError.toStdString();
+        // The file is only read.
+        QFile after(file);
+        ASSERT_TRUE(after.open(QIODevice::ReadOnly));
+        EXPECT_EQ(after.readAll(), c.bytes) << c.name;
+    }
+
+    // A database without one of the tables the station reads.
+    h.execute(QStringLiteral("DROP TABLE t_Barcode"));
+    const ReplayRun lacking = h.run(QStringLiteral("state\n"));
+    EXPECT_EQ(lacking.exitCode, 1) << lacking.describe().toStdString();
+    EXPECT_TRUE(lacking.steps.isEmpty());
+    EXPECT_TRUE(lacking.standardError.contains(h.databaseFile())) << lacking.standardError.toStdString();
+    EXPECT_TRUE(lacking.standardError.contains(QStringLiteral("t_Barcode"))) << lacking.standardError.toStdString();
+}
+
+TEST(OrderScanReplay, BoxesWhileTheFormOpensAreInTheFirstStateLine)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    // A session whose user id is no number: the picker and the options cannot be read.
+    const QString props = QStringLiteral("UserID=abc;ConnectString={Provider=SQLite;Data Source=%1};").arg(h.databaseFile());
+    const ReplayRun run = h.run(QStringLiteral("state\nstate\n"), {QStringLiteral("--props"), props});
+    ASSERT_EQ(run.exitCode, 0) << run.describe().toStdString();
+    ASSERT_EQ(run.steps.size(), 2);
+    const QJsonArray boxes = run.step(1).value(QStringLiteral("boxes")).toArray();
+    ASSERT_GE(boxes.size(), 1) << run.describe().toStdString();
+    for (const QJsonValue& box : boxes)
+        EXPECT_EQ(box.toObject().value(QStringLiteral("title")).toString(), QStringLiteral("Velto提示"));
+    EXPECT_TRUE(run.step(2).value(QStringLiteral("boxes")).toArray().isEmpty());
+}
+
+TEST(OrderScanReplay, ADatabaseLockedAtTheStartOpensTheStationWithItsBoxes)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    const QString lockerName = QStringLiteral("replay_locker");
+    ReplayRun run;
+    {
+        // Another program holds the whole file while the station starts.
+        QSqlDatabase locker = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), lockerName);
+        locker.setDatabaseName(h.databaseFile());
+        ASSERT_TRUE(locker.open());
+        QSqlQuery lock(locker);
+        ASSERT_TRUE(lock.exec(QStringLiteral("BEGIN EXCLUSIVE")));
+        run = h.run(QStringLiteral("state\nstate\n"));
+        lock.exec(QStringLiteral("ROLLBACK"));
+        locker.close();
+    }
+    QSqlDatabase::removeDatabase(lockerName);
+    ASSERT_EQ(run.exitCode, 0) << run.describe().toStdString();
+    ASSERT_EQ(run.steps.size(), 2);
+    const QJsonArray boxes = run.step(1).value(QStringLiteral("boxes")).toArray();
+    ASSERT_GE(boxes.size(), 1) << run.describe().toStdString();
+    for (const QJsonValue& box : boxes) {
+        EXPECT_EQ(box.toObject().value(QStringLiteral("title")).toString(), QStringLiteral("Velto提示"));
+        EXPECT_TRUE(box.toObject().value(QStringLiteral("text")).toString().contains(QStringLiteral("locked")))
+            << run.describe().toStdString();
+    }
+    EXPECT_TRUE(run.step(2).value(QStringLiteral("boxes")).toArray().isEmpty());
+}
+
+TEST(OrderScanReplay, AMalformedLineIsReportedWithItsControlCharactersEscaped)
+{
+    ReplayHarness h;
+    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
+    const QStringList args{QStringLiteral("--props"), h.propsString(), QStringLiteral("--replay"), QStringLiteral("-")};
+    const struct {
+        QString script;
+        QString shown;
+    } cases[] = {
+        {QStringLiteral("state\n\x1b]0;owned\x07\x1b[2J\n"), QStringLiteral("\\x1b]0;owned\\x07\\x1b[2J")},
+        {QStringLiteral("frob\x1b[31m x\n"), QStringLiteral("frob\\x1b[31m")},
+        {QStringLiteral("key TxtID F\u00857\n"), QStringLiteral("F\\x857")},
+        {QStringLiteral("click chk\rBarCode now\n"), QStringLiteral("")},
+    };
+    for (const auto& c : cases) {
+        const ReplayRun run = h.runRaw(args, c.script);
+        EXPECT_EQ(run.exitCode, 2) << run.describe().toStdString();
+        EXPECT_TRUE(run.steps.isEmpty());
+        for (const QChar ch : run.standardError)
+            EXPECT_FALSE(ch.category() == QChar::Other_Control && ch != QLatin1Char('\n'))
+                << "raw control character " << int(ch.unicode()) << " in: " << run.standardError.toStdString();
+        EXPECT_TRUE(run.standardError.contains(c.shown)) << run.standardError.toStdString();
+    }
 }

@@ -60,6 +60,35 @@ TEST_F(HostSession, ParsesTheGrammarWithBracesBlanksAndABareKey)
     EXPECT_THROW(GetPropValue("A"), HostError);
 }
 
+TEST_F(HostSession, OnlyBlanksAreTrimmedFromKeysAndValues)
+{
+    struct Case {
+        QString text;
+        QString key;
+        QString value;
+    };
+    const Case cases[] = {
+        {QStringLiteral("  UserID  =  5  ;"), QStringLiteral("UserID"), QStringLiteral("5")},
+        {QStringLiteral("\tUserID=5;"), QStringLiteral("\tUserID"), QStringLiteral("5")},
+        {QStringLiteral("UserID\n=5;"), QStringLiteral("UserID\n"), QStringLiteral("5")},
+        {QStringLiteral("UserID=\t5\r\n;"), QStringLiteral("UserID"), QStringLiteral("\t5\r\n")},
+        // A tab in front of the brace: the value is not braced.
+        {QStringLiteral("CS=\t{a};"), QStringLiteral("CS"), QStringLiteral("\t{a}")},
+        {QStringLiteral("CS= {a;b\t} ;"), QStringLiteral("CS"), QStringLiteral("a;b\t")},
+    };
+    for (const Case& c : cases) {
+        ParsePropsString(c.text);
+        const GoodsRecord props = HostProps();
+        ASSERT_EQ(props.Count(), 1) << c.text.toStdString();
+        EXPECT_EQ(props.Keys().first(), c.key) << c.text.toStdString();
+        EXPECT_EQ(props.GetValue(c.key).toString(), c.value) << c.text.toStdString();
+    }
+
+    // A key with a tab in front is another key.
+    ParsePropsString(QStringLiteral("\tUserID=5;"));
+    EXPECT_THROW(GetPropValue(QStringLiteral("UserID")), HostError);
+}
+
 TEST_F(HostSession, DuplicateKeysFailWhateverTheirCase)
 {
     try {

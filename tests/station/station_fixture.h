@@ -7,6 +7,7 @@
 #include "host/object_factory.h"
 #include "host/platform.h"
 #include "host/sql_engine.h"
+#include "host/text_collation.h"
 #include "orderdata/order_goods.h"
 #include "session/host_session.h"
 #include "session/language.h"
@@ -187,6 +188,7 @@ private:
             QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
             db.setDatabaseName(m_db);
             EXPECT_TRUE(db.open()) << db.lastError().text().toStdString();
+            RegisterTextCollation(db);
             QSqlQuery q(db);
             EXPECT_TRUE(q.prepare(sql)) << q.lastError().text().toStdString();
             for (const QVariant& p : params)

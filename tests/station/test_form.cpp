@@ -142,6 +142,35 @@ TEST_F(StationFormTest, OptionsSurviveARestartPerUser)
     EXPECT_FALSE(form->GoodsListView->isHidden());
 }
 
+TEST_F(StationFormTest, AStoredZeroUnchecksAnOptionAnythingElseChecksIt)
+{
+    struct Case {
+        const char* stored;
+        bool checked;               // chkBarCode and chkHaveSerial
+        Qt::CheckState showText;    // chkShowText takes the stored number as its value
+    };
+    const Case cases[] = {
+        {"0", false, Qt::Unchecked},     {"1", true, Qt::Checked},          {"1.0", true, Qt::Checked},
+        {"yes", true, Qt::Unchecked},    {"2", true, Qt::PartiallyChecked}, {"-1", true, Qt::Unchecked},
+        {" 0 ", false, Qt::Unchecked},   {"0.0", false, Qt::Unchecked},
+    };
+    for (const Case& c : cases) {
+        const QString stored = QString::fromLatin1(c.stored);
+        dbExec(QStringLiteral("DELETE FROM t_UserProfile WHERE FUserID = 1"));
+        const QString insert = QStringLiteral("INSERT INTO t_UserProfile (FUserID, FCategory, FKey, FName, FValue) "
+                                              "VALUES (1, 'EC', ?, ?, ?)");
+        dbExec(insert, {QStringLiteral("PickGoods_chkBarCode"), QStringLiteral("chkBarCode"), stored});
+        dbExec(insert, {QStringLiteral("PickGoods_chkShowText"), QStringLiteral("chkHaveSerial"), stored});
+        dbExec(insert, {QStringLiteral("PickGoods_chkShowText"), QStringLiteral("chkShowText"), stored});
+        frmPickigGoods* form = openStation();
+        EXPECT_EQ(form->chkBarCode->isChecked(), c.checked) << c.stored;
+        EXPECT_EQ(form->chkHaveSerial->isChecked(), c.checked) << c.stored;
+        EXPECT_EQ(form->chkShowText->checkState(), c.showText) << c.stored;
+        EXPECT_TRUE(m_rec->boxes.isEmpty()) << c.stored << ": " << boxTexts().join('|').toStdString();
+        ASSERT_TRUE(closeStation());
+    }
+}
+
 TEST_F(StationFormTest, ClosingAnUnfinishedOrderAsksAndYesGoesOnChecking)
 {
     frmPickigGoods* form = openStation();
@@ -289,7 +318,7 @@ TEST_F(StationFormTest, F7AndDoubleClickOpenTheSamePicker)
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("0/0"));
 }
 
-TEST_F(StationFormTest, MessageBoxesTranslateOnlyTheVeltoTitle)
+TEST_F(StationFormTest, MessageBoxesKeepTheirTitleInEveryLanguage)
 {
     SetHostLanguageCode(QStringLiteral("en"));
     ResetLanguageCache();
@@ -302,12 +331,12 @@ TEST_F(StationFormTest, MessageBoxesTranslateOnlyTheVeltoTitle)
     EXPECT_EQ(form->ShowMessageBox(QStringLiteral("q"), 4, QStringLiteral("Other")), MsgBox::Yes);
     EXPECT_EQ(form->ShowMessageBox(QStringLiteral("r"), 64, QStringLiteral("Velto提示")), MsgBox::Ok);
     ASSERT_EQ(m_rec->boxes.size(), 3);
-    EXPECT_EQ(m_rec->boxes[0].title, QStringLiteral("T:Velto提示"));
+    EXPECT_EQ(m_rec->boxes[0].title, QStringLiteral("Velto提示"));
     EXPECT_EQ(m_rec->boxes[0].text, QStringLiteral("p"));
     EXPECT_EQ(m_rec->boxes[1].title, QStringLiteral("Other"));
     EXPECT_EQ(m_rec->boxes[2].flags, 64);
 
-    // Messages to the worker pass through the same lookup.
+    // Messages to the worker do pass through the lookup.
     form->SetMessage(QStringLiteral("此单已校验通过"));
     EXPECT_EQ(form->lblMessage->text(), QStringLiteral("T:此单已校验通过"));
     form->SetMessage(QString());

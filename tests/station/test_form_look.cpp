@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QImage>
 #include <QLabel>
+#include <QToolButton>
 
 namespace {
 
@@ -45,7 +46,18 @@ TEST_F(StationFormTest, TheStationReadsAtAGlance)
     frmPickigGoods* form = openStation();
     form->resize(1366, 860);
     QApplication::processEvents();
+    // Two orders before: one passed, one left short; the log shows both.
+    scanInto(form->TxtID, QStringLiteral("10018"));
+    for (const char* barcode : {"6931000010024", "6931000010154", "6931000010185"})
+        scanInto(form->TxtItemID, QString::fromLatin1(barcode));
+    ASSERT_TRUE(form->ImgSuccess->isVisible());
+    scanInto(form->TxtID, QStringLiteral("10002"));
+    scanInto(form->TxtItemID, QStringLiteral("6931000010161"));
     scanInto(form->TxtID, QStringLiteral("10001"));
+    const QStringList logged = form->LogList1->visibleRowTexts();
+    ASSERT_EQ(logged.size(), 2) << logged.join('|').toStdString();
+    EXPECT_TRUE(logged[0].startsWith(QStringLiteral("10002异常"))) << logged[0].toStdString();
+    EXPECT_TRUE(logged[1].startsWith(QStringLiteral("10018通过"))) << logged[1].toStdString();
     scanInto(form->TxtItemID, QStringLiteral("6931000010017"));
     scanInto(form->TxtItemID, QStringLiteral("6931000010147"));
     ASSERT_EQ(form->lblPickedNum->text(), QStringLiteral("2/4"));
@@ -98,4 +110,54 @@ TEST_F(StationFormTest, TheStationReadsAtAGlance)
     EXPECT_GT(red.red(), 180);
     EXPECT_LT(red.green(), 60);
     EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_refused.png")));
+}
+
+TEST_F(StationFormTest, TheLogPaneShowsAWholePageOfSevenRows)
+{
+    // Ten orders logged, newest first in the pane; the oldest is "10001".
+    RecordList log;
+    for (int i = 1; i <= 10; ++i) {
+        GoodsRecord entry;
+        entry.Add(QStringLiteral("ID"), QString::number(10000 + i));
+        entry.Add(QStringLiteral("log"), QStringLiteral("%1异常, , 缺少1件, 误拣0件").arg(10000 + i));
+        entry.Add(QStringLiteral("bSuccess"), false);
+        log.Add(entry);
+    }
+    const int rowPx = TwipsToPixels(LogListModel::RowHeightTwips);
+    // The form's own size first, then larger windows.
+    for (const QSize size : {QSize(), QSize(1600, 1000), QSize(1920, 1080)}) {
+        frmPickigGoods* form = openStation();
+        if (size.isValid())
+            form->resize(size);
+        QApplication::processEvents();
+        const QString at = QStringLiteral("%1x%2").arg(form->width()).arg(form->height());
+        LogList* pane = form->LogList1;
+        pane->LoadLogList(log);
+        QApplication::processEvents();
+
+        const QFrame* area = pane->findChild<QFrame*>(QStringLiteral("PicBack"));
+        ASSERT_NE(area, nullptr);
+        EXPECT_GE(area->contentsRect().height(), LogListModel::PageRows * rowPx) << at.toStdString();
+
+        // Down as far as it goes: the last page holds the seven oldest entries, each row whole.
+        auto* down = pane->findChild<QToolButton*>(QStringLiteral("ImgDown"));
+        for (int k = 0; k < 5; ++k)
+            QTest::mouseClick(down, Qt::LeftButton);
+        EXPECT_EQ(pane->topIndex(), 3) << at.toStdString();
+        const QStringList shown = pane->visibleRowTexts();
+        ASSERT_EQ(shown.size(), 7) << at.toStdString();
+        EXPECT_TRUE(shown.first().startsWith(QStringLiteral("10007"))) << at.toStdString();
+        EXPECT_TRUE(shown.last().startsWith(QStringLiteral("10001"))) << at.toStdString();
+        int drawn = 0;
+        for (const QLabel* row : area->findChildren<QLabel*>()) {
+            if (!row->isVisible())
+                continue;
+            ++drawn;
+            EXPECT_TRUE(area->contentsRect().contains(row->geometry()))
+                << at.toStdString() << " " << row->text().toStdString();
+        }
+        EXPECT_EQ(drawn, 7) << at.toStdString();
+        EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_log_page_%1.png").arg(at)));
+        ASSERT_TRUE(closeStation());
+    }
 }

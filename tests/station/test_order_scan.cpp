@@ -334,3 +334,25 @@ TEST_F(StationFormTest, SwitchingViewsShowsTheSameCounts)
     EXPECT_FALSE(form->GoodsListView->isHidden());
     EXPECT_TRUE(form->GoodsTextView->isHidden());
 }
+
+TEST_F(StationFormTest, TrailingBlanksInTheDatabaseCompareAsOnTheServer)
+{
+    dbExec(QStringLiteral("UPDATE IC_Web2ERPOrders SET FLogisticsOrder = 'SF10019 ' WHERE FUniqueCode = '10019'"));
+    dbExec(QStringLiteral("UPDATE t_ICItem SET FBarcode = '   ' WHERE FItemID = 1015"));
+    frmPickigGoods* form = openStation();
+
+    scanInto(form->TxtID, QStringLiteral("SF10019"));
+    EXPECT_EQ(form->CurrentOrderCode, QStringLiteral("SF10019"));
+    EXPECT_EQ(form->lblOrderNum->text(), QStringLiteral("2"));
+    EXPECT_EQ(lineIds(GetGoodsLineSet()), QStringList({"1004"}));
+
+    // 10018: a barcode of blanks is no barcode, so only two of its three goods count.
+    qint32 total = -1;
+    form->chkBarCode->setChecked(true);
+    form->GetGoodsNum(QStringLiteral("10018"), total);
+    EXPECT_EQ(total, 2);
+    form->chkBarCode->setChecked(false);
+    form->GetGoodsNum(QStringLiteral("10018"), total);
+    EXPECT_EQ(total, 3);
+    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
+}

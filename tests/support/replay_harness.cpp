@@ -1,4 +1,5 @@
 #include "support/replay_harness.h"
+#include "host/text_collation.h"
 #include <QAtomicInt>
 #include <QCoreApplication>
 #include <QDir>
@@ -25,6 +26,7 @@ void withDatabase(const QString& file, Work work)
         db.setDatabaseName(file);
         if (!db.open())
             throw std::runtime_error(db.lastError().text().toStdString());
+        RegisterTextCollation(db);
         work(db);
         db.close();
     }

@@ -5,7 +5,9 @@
 #include "tiles/goods_big_view.h"
 #include "tiles/goods_view.h"
 #include "tiles_fixture.h"
+#include <QApplication>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QTest>
@@ -30,6 +32,15 @@ QRect pixelsOfTile(const QRect& twips)
     const int left = TwipsToPixels(twips.x() + b);
     const int top = TwipsToPixels(twips.y() + b);
     return QRect(left, top, TwipsToPixels(twips.right() + 1 + b) - left, TwipsToPixels(twips.bottom() + 1 + b) - top);
+}
+
+QString screenshotFolder()
+{
+    const QString bin = QString::fromLocal8Bit(qgetenv("RNW_BIN_DIR"));
+    const QString folder = bin.isEmpty() ? QDir::currentPath() + QStringLiteral("/screenshots")
+                                         : bin + QStringLiteral("/../screenshots");
+    QDir().mkpath(folder);
+    return folder;
 }
 
 QString labelText(const QWidget& w, const char* name)
@@ -144,11 +155,27 @@ TEST(GoodsViewTile, PictureRules)
     EXPECT_GT(shown.width(), shown.height());
     EXPECT_LE(shown.deviceIndependentSize().width(), TwipsToPixels(2380) + 1);
 
+    // A picture file written again shows what it holds now (every order load
+    // writes the pictures again); the same bytes again need no new decode.
+    const QString item = env.path("Tmp_1001");
+    ASSERT_TRUE(QFile::copy(red, item));
+    tile.setGoodsPicture(item);
+    const qint64 decoded = tile.shownPicture().cacheKey();
+    ASSERT_TRUE(QFile::remove(item) && QFile::copy(red, item));
+    tile.setGoodsPicture(item);
+    EXPECT_EQ(tile.shownPicture().cacheKey(), decoded);
+    ASSERT_TRUE(QFile::remove(item) && QFile::copy(blue, item));
+    tile.setGoodsPicture(item);
+    EXPECT_TRUE(shows(tile.shownPicture(), Qt::blue));
+    ASSERT_TRUE(QFile::remove(item) && QFile::copy(red, item));
+    tile.setGoodsPicture(item);
+    EXPECT_TRUE(shows(tile.shownPicture(), Qt::red));
+
     // Without a default picture a bad file leaves everything as it was.
     ASSERT_TRUE(QFile::remove(env.defaultPicture()));
     tile.setGoodsPicture(junk);
-    EXPECT_EQ(tile.GoodsPicture(), blue);
-    EXPECT_TRUE(shows(tile.shownPicture(), Qt::blue));
+    EXPECT_EQ(tile.GoodsPicture(), item);
+    EXPECT_TRUE(shows(tile.shownPicture(), Qt::red));
 }
 
 TEST(GoodsViewTile, ClicksOpenThePageAndRaiseEvents)
@@ -205,11 +232,11 @@ TEST(GoodsBigViewTile, WidthSelectionAndPictures)
     big.SetSelected(false);
     EXPECT_EQ(big.imgMainGeometry(), QRect(0, 0, 2400, 2400));
 
-    // Larger control: the picture grows with the height, the name spans the width less 60.
+    // Larger control: the picture grows, the name spans the width less 60.
     big.resize(TwipsToPixels(9000), TwipsToPixels(6000));
     const QRect grown = big.imgMainGeometry();
     EXPECT_GT(grown.width(), 2400);
-    EXPECT_EQ(grown.width(), grown.height());
+    EXPECT_GT(grown.height(), 2400);
     EXPECT_LE(grown.bottom() + 1 + 120, big.nameGeometry().top());
     EXPECT_NEAR(big.nameGeometry().width(), PixelsToTwips(big.width()) - 60, 1);
     big.SetSelected(true);
@@ -240,6 +267,50 @@ TEST(GoodsBigViewTile, WidthSelectionAndPictures)
     EXPECT_EQ(big.GoodsName(), QStringLiteral("蓝牙耳机"));
     EXPECT_EQ(labelText(big, "lblOrderCnt"), QStringLiteral("3"));
     EXPECT_TRUE(shows(big.shownPicture(), QColor(0x80, 0x80, 0x80)));
+}
+
+TEST(GoodsBigViewTile, ThePictureTakesTheRoomTheNameAndCountsLeave)
+{
+    TileEnvironment env;
+    QPixmap square(400, 400);
+    square.fill(Qt::blue);
+    // Width and height in twips: the design size, the station's side column
+    // at its usual sizes, a wide control.
+    const QSize sizes[] = {{4000, 3150}, {4000, 4800}, {4400, 5000}, {5200, 6500}, {9000, 6000}};
+    for (const QSize& twips : sizes) {
+        GoodsBigView big;
+        big.resize(TwipsToPixels(twips.width()), TwipsToPixels(twips.height()));
+        big.SetPicture(square);
+        big.show();
+        QApplication::processEvents();
+        const QString at = QStringLiteral("%1x%2").arg(twips.width()).arg(twips.height());
+
+        // Where the picture is drawn: fitted and centred in imgMain.
+        const auto* img = big.findChild<QWidget*>(QStringLiteral("imgMain"));
+        ASSERT_NE(img, nullptr);
+        const QSizeF drawn = big.shownPicture().deviceIndependentSize();
+        const QRectF picture(img->x() + (img->width() - drawn.width()) / 2.0,
+                             img->y() + (img->height() - drawn.height()) / 2.0, drawn.width(), drawn.height());
+
+        // Below the picture comes the next thing, after a gap of at most 120.
+        int below = big.height();
+        for (const QLabel* label : big.findChildren<QLabel*>()) {
+            const QRect g = label->geometry();
+            if (label->isVisibleTo(&big) && g.top() >= picture.bottom() - 1 && g.right() > picture.left()
+                && g.left() < picture.right())
+                below = qMin(below, g.top());
+        }
+        EXPECT_LE(below - picture.bottom(), TwipsToPixels(120) + 2) << at.toStdString();
+        EXPECT_GE(picture.top(), -0.5) << at.toStdString();
+        // The labels keep clear of the picture.
+        for (const QLabel* label : big.findChildren<QLabel*>())
+            EXPECT_FALSE(label->isVisibleTo(&big) && QRectF(label->geometry()).intersects(picture.adjusted(1, 1, -1, -1)))
+                << at.toStdString() << " " << label->objectName().toStdString();
+        big.setGoodsName(QStringLiteral("保温杯 500ml 不锈钢"));
+        big.setGoodsOrderCnt(3);
+        big.setGoodsCheckedCnt(2);
+        EXPECT_TRUE(big.grab().save(screenshotFolder() + QStringLiteral("/tiles_big_%1.png").arg(at)));
+    }
 }
 
 TEST(GoodsBigViewTile, Clicks)
