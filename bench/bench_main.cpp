@@ -8,7 +8,7 @@
 //             [--json FILE] [--work DIR] [--scripts DIR] [--keep]
 //   rnw_bench --worker --db FILE --lines N --view tiles|grid [...]   (one run, JSON line)
 #include "bench_stats.h"
-#include "host/demo_database.h"
+#include "demo/demo_database.h"
 #include "host/host_error.h"
 #include "station_bench.h"
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "sql_floor.h"
-#include "host/text_collation.h"
 #include "bench_stats.h"
+#include "sql/text_collation.h"
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>

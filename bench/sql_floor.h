@@ -3,7 +3,7 @@
 // (as SQLite saw them, after the T-SQL bridge), executed again straight
 // through QSqlQuery on the same file, without the form, the middle tier or
 // the bridge. Each text is prepared once and reused, every row is read.
-#include "host/sql_statement_trace.h"
+#include "sql/sql_statement_trace.h"
 #include <QHash>
 #include <QSqlDatabase>
 #include <QString>

@@ -5,7 +5,7 @@
 // rewritten twice (the shape cache) gives the same statements.
 #include "fuzz_text.h"
 #include "host/host_error.h"
-#include "host/tsql_bridge.h"
+#include "sql/tsql_bridge.h"
 #include <QRegularExpression>
 #include <QSet>
 #include <cstdio>

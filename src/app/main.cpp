@@ -2,13 +2,14 @@
 // session's property string, then shows the station through clsPackingGoods.
 #include "app/launcher_options.h"
 #include "app/replay_driver.h"
-#include "host/database_check.h"
-#include "host/demo_database.h"
+#include "demo/demo_database.h"
 #include "host/error_reporter.h"
 #include "host/lang_info.h"
 #include "host/object_factory.h"
 #include "host/platform.h"
-#include "host/sql_engine.h"
+#include "host/props_text.h"
+#include "sql/database_check.h"
+#include "sql/sql_engine.h"
 #include "station/cls_packing_goods.h"
 #include "station/frm_pickig_goods.h"
 #include <QApplication>

@@ -1,9 +1,9 @@
-// RnBaseList.EmployeePicker: the host's base-list picker for employees. A
-// modal list of t_Emp (number, name) filtered by what the worker types; Enter
-// or a double click takes the employee in the current row.
+// The host's base-list picker for employees: a modal list (number, name)
+// filtered by what the worker types; Enter or a double click takes the
+// employee in the current row. The rows come from the lookup it is given.
 #include "host/employee_picker.h"
-#include "host/object_factory.h"
-#include "host/sql_engine.h"
+#include "host/host_error.h"
+#include "host/props_text.h"
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QHeaderView>
@@ -16,40 +16,10 @@
 
 namespace {
 
-// LIKE pattern of a text, its own wildcards taken literally.
-QString containsPattern(const QString& text)
-{
-    QString escaped;
-    for (QChar c : text.trimmed()) {
-        if (c == QLatin1Char('\\') || c == QLatin1Char('%') || c == QLatin1Char('_') || c == QLatin1Char('['))
-            escaped += QLatin1Char('\\');
-        escaped += c;
-    }
-    return QLatin1Char('%') + escaped + QLatin1Char('%');
-}
-
-} // namespace
-
-QList<EmployeeRow> FindEmployees(const QString& props, const QString& text)
-{
-    const QString pattern = containsPattern(text);
-    RecordsetPtr rs = SqlEngine::forProps(props)->executeBound(
-        QStringLiteral("SELECT FItemID, FNumber, FName FROM t_Emp "
-                       "WHERE FNumber LIKE ? ESCAPE '\\' OR FName LIKE ? ESCAPE '\\' ORDER BY FNumber"),
-        {pattern, pattern});
-    QList<EmployeeRow> rows;
-    for (; !rs->isEOF(); rs->MoveNext())
-        rows.append({rs->Fields(QStringLiteral("FItemID")), rs->Fields(QStringLiteral("FNumber")).toString(),
-                     rs->Fields(QStringLiteral("FName")).toString()});
-    return rows;
-}
-
-namespace {
-
 class EmployeeDialog : public QDialog {
 public:
-    EmployeeDialog(QWidget* parent, QString props, const QString& text)
-        : QDialog(parent), m_props(std::move(props))
+    EmployeeDialog(QWidget* parent, QString props, const QString& text, EmployeeLookup lookup)
+        : QDialog(parent), m_props(std::move(props)), m_lookup(std::move(lookup))
     {
         setObjectName(QStringLiteral("EmployeePicker"));
         setWindowTitle(QStringLiteral("选择职员"));
@@ -105,7 +75,7 @@ private:
     {
         m_table->setRowCount(0);
         try {
-            for (const EmployeeRow& employee : FindEmployees(m_props, m_filter->text())) {
+            for (const EmployeeRow& employee : m_lookup(m_props, m_filter->text())) {
                 const int row = m_table->rowCount();
                 m_table->insertRow(row);
                 auto* number = new QTableWidgetItem(employee.number);
@@ -122,6 +92,7 @@ private:
     }
 
     QString m_props;
+    EmployeeLookup m_lookup;
     QLineEdit* m_filter = nullptr;
     QTableWidget* m_table = nullptr;
     QLabel* m_status = nullptr;
@@ -129,9 +100,11 @@ private:
 
 class EmployeePicker : public IEmployeePicker {
 public:
+    explicit EmployeePicker(EmployeeLookup lookup) : m_lookup(std::move(lookup)) {}
+
     EmployeePickResult Pick(QWidget* parent, const QString& props, const QString& text) override
     {
-        EmployeeDialog dialog(parent, props, text);
+        EmployeeDialog dialog(parent, props, text, m_lookup);
         EmployeePickResult result;
         if (dialog.exec() != QDialog::Accepted || !dialog.hasChoice())
             return result;
@@ -141,8 +114,14 @@ public:
         result.ReturnObject.Itemid = dialog.chosenItemId();
         return result;
     }
+
+private:
+    EmployeeLookup m_lookup;
 };
 
-const BuiltInServerObject registration(ProgIds::EmployeePicker, [] { return std::make_shared<EmployeePicker>(); });
-
 } // namespace
+
+std::shared_ptr<IEmployeePicker> MakeEmployeePicker(EmployeeLookup lookup)
+{
+    return std::make_shared<EmployeePicker>(std::move(lookup));
+}

@@ -1,4 +1,5 @@
 #include "host/props_text.h"
+#include <QRegularExpression>
 
 namespace {
 
@@ -63,4 +64,15 @@ QList<QPair<QString, QString>> SplitPropsText(const QString& text)
         pairs.append({key, value});
     }
     return pairs;
+}
+
+QString MaskPasswords(const QString& text)
+{
+    // key, '=', then a braced value ("}}" inside it) or a plain value up to ';' or '}'
+    static const QRegularExpression password(
+        QStringLiteral("(\\b(?:password|pwd)\\s*=\\s*)(\\{(?:[^}]|\\}\\})*\\}|[^;}]*)"),
+        QRegularExpression::CaseInsensitiveOption);
+    QString masked = text;
+    masked.replace(password, QStringLiteral("\\1***"));
+    return masked;
 }

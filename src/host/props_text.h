@@ -7,3 +7,7 @@
 #include <QString>
 
 QList<QPair<QString, QString>> SplitPropsText(const QString& text);
+
+// The text with every password value replaced by "***" (Password=, Pwd=,
+// in a connect string or a property string, braces honoured).
+QString MaskPasswords(const QString& text);

@@ -1,9 +1,9 @@
 // End to end over the demo warehouse: the built-in middle tier, the SQLite
 // engine behind it, real gzip attachments and picture files on disk.
+#include "demo/demo_database.h"
 #include "middle_tier_fakes.h"
-#include "host/demo_database.h"
-#include "host/sql_engine.h"
 #include "orderdata/serial_lookup.h"
+#include "sql/sql_engine.h"
 #include <QElapsedTimer>
 #include <QImage>
 #include <QTemporaryDir>

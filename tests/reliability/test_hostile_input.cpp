@@ -3,7 +3,7 @@
 // the scanned code inside one quoted literal, the worker gets a clear message
 // (or nothing happens, where an empty scan means nothing), and a refused input
 // leaves the order's counts exactly as they were.
-#include "host/sql_statement_trace.h"
+#include "sql/sql_statement_trace.h"
 #include "reliability/reliability_station.h"
 #include <QElapsedTimer>
 

@@ -4,7 +4,7 @@
 // calls to the middle tier, and every statement the station sent reads the
 // same columns, values and kinds of value through both.
 #include "reliability/engine_station.h"
-#include "host/sql_statement_trace.h"
+#include "sql/sql_statement_trace.h"
 #include <QRegularExpression>
 
 namespace {

@@ -2,12 +2,12 @@
 // A station on a real demo database: each test gets its own copy of the demo
 // file, the session's property string published for this process, and
 // recording message boxes and sounds in place of the host's.
-#include "host/demo_database.h"
+#include "demo/demo_database.h"
 #include "host/lang_info.h"
 #include "host/object_factory.h"
 #include "host/platform.h"
-#include "host/sql_engine.h"
-#include "host/text_collation.h"
+#include "sql/sql_engine.h"
+#include "sql/text_collation.h"
 #include "orderdata/order_goods.h"
 #include "session/host_session.h"
 #include "session/language.h"

@@ -1,6 +1,6 @@
 // The host objects the station leans on, built in: the message box, the
 // employee picker and the sound service.
-#include "host/employee_picker.h"
+#include "middletier/employee_list.h"
 #include "station/station_fixture.h"
 #include <QAbstractButton>
 #include <QDialog>

@@ -1,5 +1,5 @@
 #include "support/replay_harness.h"
-#include "host/text_collation.h"
+#include "sql/text_collation.h"
 #include <QAtomicInt>
 #include <QCoreApplication>
 #include <QDir>
