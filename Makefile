@@ -1,4 +1,4 @@
-# The two commands of the README: `make run` and `make test`.
+# The two commands of the README: `make run` and `make test` (warnings are errors there).
 JOBS ?= $(shell nproc)
 RELEASE_DIR := build/release
 TEST_DIR := build/asan
@@ -24,7 +24,7 @@ run: build
 	$(RELEASE_DIR)/bin/rnwdpicking $(DEMO_ARGS)
 
 test: deps
-	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DRNW_SANITIZE=ON -DRNW_TESTS=ON >/dev/null
+	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DRNW_SANITIZE=ON -DRNW_TESTS=ON -DRNW_WERROR=ON >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j 1
 	$(MAKE) --no-print-directory fuzz

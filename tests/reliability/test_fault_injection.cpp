@@ -126,8 +126,9 @@ protected:
             const int delivered = dbValue(QStringLiteral("SELECT IFNULL(FDeliveryStatus, 0)") + where).toInt();
             const bool sent = !dbValue(QStringLiteral("SELECT FSendDate") + where).isNull();
             EXPECT_EQ(picker, status == 1 ? stationPicker : 0) << code;
-            if (qstrcmp(code, "10001") != 0)
+            if (qstrcmp(code, "10001") != 0) {
                 EXPECT_TRUE(delivered == 0 || status == 1) << code << " delivered but not verified";
+            }
             EXPECT_EQ(sent, delivered == 1) << code;
         }
         expectSerialRowsAllOrNothing(after);
@@ -262,8 +263,9 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
             // One box names the failure; it is titled as every error box is.
             EXPECT_EQ(boxes.size(), 1) << boxTexts().join(QLatin1Char('\n')).toStdString();
             for (const ShownBox& box : m_rec->boxes)
-                if (box.text.contains(HostFaultInjector::FaultMarker))
+                if (box.text.contains(HostFaultInjector::FaultMarker)) {
                     EXPECT_EQ(box.title, kTitle);
+                }
         }
         expectNothingHalfWritten(trace, stationPicker);
         const QString statuses = dbValue(QStringLiteral("SELECT group_concat(IFNULL(FPIckingGoodsStatus,'n'), '') FROM IC_Web2ERPOrders "

@@ -129,11 +129,13 @@ protected:
         for (const SqlTraceStatement& statement : SqlStatementTrace::takeCaptured()) {
             EXPECT_FALSE(statement.sql.contains(kMarker)) << statement.sql.left(400).toStdString();
             for (const QVariant& value : statement.params)
-                if (value.toString().contains(kMarker))
+                if (value.toString().contains(kMarker)) {
                     EXPECT_EQ(value.toString(), code);
+                }
         }
-        if (!code.isEmpty())
+        if (!code.isEmpty()) {
             EXPECT_GT(carried, 0) << "the code never reached a statement";
+        }
     }
 
     void skipCallsSoFar()
@@ -333,8 +335,9 @@ TEST_F(HostileInputTest, EmptyBlankAndHostileEntriesInEveryFieldAreRefusedOrIgno
             EXPECT_EQ(snapshot(), logged);
             EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
             // Text that is no number is refused as it comes in or at Enter.
-            if (!IsNumeric(q.text))
+            if (!IsNumeric(q.text)) {
                 EXPECT_TRUE(message == kNotNumeric || f.lblMessage->text() == kNotNumeric) << f.lblMessage->text().toStdString();
+            }
         }
     }
     // The employee field takes any text but never runs a statement on it.

@@ -76,8 +76,9 @@ TEST_P(GoodsScanReplay, WrongExcessAndUnknownScansAreAnsweredAndTheOrderPasses)
     EXPECT_EQ(field(step(11), "lblPickInfo"), QString());
 
     for (const QJsonObject& s : r.steps)
-        if (field(s, "command").startsWith(QStringLiteral("scan TxtItemID")))
+        if (field(s, "command").startsWith(QStringLiteral("scan TxtItemID"))) {
             EXPECT_EQ(field(s, "TxtNum"), QStringLiteral("1")) << field(s, "command").toStdString();
+        }
     EXPECT_EQ(h.queryValue(QStringLiteral("SELECT FPIckingGoodsStatus || '/' || FPickingGoodMan || '/' || FDeliveryStatus "
                                           "FROM IC_Web2ERPOrders WHERE FUniqueCode = '10001'")).toString(),
               QStringLiteral("1/201/1"));

@@ -80,8 +80,9 @@ TEST_P(RePickReplay, SerialOrderIsVerifiedTwiceWithoutDoubledRowsAndVerifiedOrde
     EXPECT_EQ(field(step(19), "lblOrderNum"), QStringLiteral("0"));
 
     for (const QJsonObject& s : r.steps)
-        if (field(s, "command").startsWith(QStringLiteral("scan TxtItemID")))
+        if (field(s, "command").startsWith(QStringLiteral("scan TxtItemID"))) {
             EXPECT_EQ(field(s, "TxtNum"), QStringLiteral("1")) << field(s, "command").toStdString();
+        }
     EXPECT_EQ(h.queryValue(QStringLiteral("SELECT group_concat(FPIckingGoodsStatus || '/' || FPickingGoodMan, ' ') "
                                           "FROM IC_Web2ERPOrders WHERE FUniqueCode IN ('10006', '10021') ORDER BY FID")).toString(),
               QStringLiteral("1/201 1/201"));
