@@ -40,12 +40,17 @@ QList<Payload> hostilePayloads()
 
 // What the field keeps of a text: the station's own rule, written out here
 // independently of the field: no quote or look-alike, no control or format
-// character, no line or paragraph separator, no surrogate.
+// character, no line or paragraph separator, no surrogate; GS (between the
+// fields of a GS1 code) is kept as its visible sign.
 QString keptOf(const QString& text)
 {
     static const QString lookAlikes = QStringLiteral("'\u2018\u2019\u201B\u2032\u02BC\uFF07");
     QString kept;
     for (QChar c : text) {
+        if (c.unicode() == 0x1D) {
+            kept += QChar(0x241D);
+            continue;
+        }
         if (lookAlikes.contains(c) || c.isSurrogate())
             continue;
         const QChar::Category cat = c.category();

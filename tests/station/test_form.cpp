@@ -410,6 +410,13 @@ TEST(ScanLineEdit, QuotesAndControlCharactersNeverReachTheField)
     EXPECT_EQ(field.text(), QStringLiteral("123456"));
     field.setText(QStringLiteral("'''"));
     EXPECT_TRUE(field.text().isEmpty());
+    // GS, between the fields of a GS1 code, stays as its visible sign, typed or set.
+    field.setText(QStringLiteral("]C11012\u001D21A"));
+    EXPECT_EQ(field.text(), QStringLiteral("]C11012\u241D21A"));
+    field.clear();
+    QKeyEvent gs(QEvent::KeyPress, Qt::Key_BracketRight, Qt::ControlModifier, QString(QChar(0x1D)));
+    QApplication::sendEvent(&field, &gs);
+    EXPECT_EQ(field.text(), QString(QChar(0x241D)));
     // Chinese and ordinary punctuation stay.
     field.setText(QStringLiteral("订单-01 \"A\""));
     EXPECT_EQ(field.text(), QStringLiteral("订单-01 \"A\""));
