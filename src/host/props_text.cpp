@@ -1,20 +1,5 @@
 #include "host/props_text.h"
-
-namespace {
-
-// Keys and values lose their blanks, nothing else: a tab or a line break
-// belongs to the text ("\tUserID" is not UserID).
-QString trimBlanks(const QString& text)
-{
-    qsizetype start = 0, end = text.size();
-    while (start < end && text.at(start) == QLatin1Char(' '))
-        ++start;
-    while (end > start && text.at(end - 1) == QLatin1Char(' '))
-        --end;
-    return text.mid(start, end - start);
-}
-
-} // namespace
+#include "host/platform.h"
 
 QList<QPair<QString, QString>> SplitPropsText(const QString& text)
 {
@@ -30,10 +15,11 @@ QList<QPair<QString, QString>> SplitPropsText(const QString& text)
             key = rest.left(eq);
             rest = rest.mid(eq + 1);
         }
-        key = trimBlanks(key);
+        // Blanks only: a tab or a line break belongs to the text ("\tUserID" is not UserID).
+        key = TrimBlanks(key);
 
         QString value;
-        rest = trimBlanks(rest);
+        rest = TrimBlanks(rest);
         if (rest.startsWith(QLatin1Char('{'))) {
             rest = rest.mid(1);
             const int close = rest.indexOf(QLatin1Char('}'));
@@ -56,7 +42,7 @@ QList<QPair<QString, QString>> SplitPropsText(const QString& text)
                 rest = rest.mid(semi + 1);
             }
         }
-        value = trimBlanks(value);
+        value = TrimBlanks(value);
 
         if (key.isEmpty())
             break;

@@ -41,8 +41,8 @@ bool optionChecked(const GoodsRecord& record, const QString& key, bool defaultVa
     }
 }
 
-// A stored option that is the box's value: 0, 1 or 2 as a number; anything
-// else keeps the default.
+// A stored option that is the box's value, read as a whole number ("1.0"
+// is 1); text that is no number keeps the default.
 int optionValue(const GoodsRecord& record, const QString& key, int defaultValue)
 {
     const QVariant value = storedOption(record, key);

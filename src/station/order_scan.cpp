@@ -4,6 +4,7 @@
 #include "grid/goods_text_view.h"
 #include "host/error_reporter.h"
 #include "host/object_factory.h"
+#include "host/platform.h"
 #include "log/log_list.h"
 #include "orderdata/order_goods.h"
 #include "session/host_session.h"
@@ -24,17 +25,6 @@ namespace {
 
 const QString NoOrderMark = QStringLiteral("+");
 const QString NotFoundMessage = QStringLiteral("找不到物流单号/唯一码/商品条码/序列号");
-
-// The classic Trim: spaces only.
-QString trimBlanks(const QString& text)
-{
-    qsizetype start = 0, end = text.size();
-    while (start < end && text.at(start) == QLatin1Char(' '))
-        ++start;
-    while (end > start && text.at(end - 1) == QLatin1Char(' '))
-        --end;
-    return text.mid(start, end - start);
-}
 
 qint64 numberOf(const GoodsRecord& record, const QString& key)
 {
@@ -65,7 +55,7 @@ QString translatedVerdict(const QString& text)
 void frmPickigGoods::TxtID_Enter()
 {
     try {
-        const QString code = trimBlanks(TxtID->text());
+        const QString code = TrimBlanks(TxtID->text());
         LogLeavingVerdict();
         if (code.isEmpty())
             return;
