@@ -10,6 +10,8 @@
 #include <QDir>
 #include <QImage>
 #include <QLabel>
+#include <QTableWidget>
+#include <QTimer>
 #include <QToolButton>
 
 namespace {
@@ -160,4 +162,46 @@ TEST_F(StationFormTest, TheLogPaneShowsAWholePageOfSevenRows)
         EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_log_page_%1.png").arg(at)));
         ASSERT_TRUE(closeStation());
     }
+}
+
+TEST_F(StationFormTest, ThePickerListsEveryEmployeeByNumberAndTakesTheOneChosen)
+{
+    frmPickigGoods* form = openStation();
+    auto* employee = form->findChild<ScanLineEdit*>(QStringLiteral("TxtEmployee"));
+    ASSERT_NE(employee, nullptr);
+    struct Seen {
+        QString title, filter;
+        QStringList rows;
+        bool saved = false;
+    } seen;
+    QTimer::singleShot(0, [&] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        auto* filter = dialog ? dialog->findChild<QLineEdit*>(QStringLiteral("txtFilter")) : nullptr;
+        auto* table = dialog ? dialog->findChild<QTableWidget*>(QStringLiteral("grdEmployees")) : nullptr;
+        if (!filter || !table) {
+            ADD_FAILURE() << "no picker with its filter and list";
+            if (dialog)
+                dialog->close();
+            return;
+        }
+        seen.title = dialog->windowTitle();
+        seen.filter = filter->text();
+        // An empty filter lists everyone.
+        filter->clear();
+        for (int row = 0; row < table->rowCount(); ++row)
+            seen.rows << table->item(row, 0)->text() + QLatin1Char(' ') + table->item(row, 1)->text();
+        seen.saved = dialog->grab().toImage().save(screenshotFolder() + QStringLiteral("/employee_picker.png"));
+        // Down twice from the first row, then Enter: the third employee.
+        QTest::keyClick(filter, Qt::Key_Down);
+        QTest::keyClick(filter, Qt::Key_Down);
+        QTest::keyClick(filter, Qt::Key_Return);
+    });
+    QTest::keyClick(employee, Qt::Key_F7);
+    EXPECT_EQ(seen.title, QStringLiteral("选择职员"));
+    EXPECT_EQ(seen.filter, QStringLiteral("张伟"));
+    EXPECT_EQ(seen.rows, (QStringList{QStringLiteral("E001 张伟"), QStringLiteral("E002 李娜"), QStringLiteral("E003 王芳"),
+                                      QStringLiteral("E004 刘洋")}));
+    EXPECT_TRUE(seen.saved);
+    EXPECT_EQ(employee->text(), QStringLiteral("王芳"));
+    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
 }
