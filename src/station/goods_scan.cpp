@@ -2,16 +2,16 @@
 // open line of the order on the station, the active view counts it unit by
 // unit, and every outcome gets a message, a voice prompt and a verdict.
 #include "station/frm_pickig_goods.h"
-#include "grid/goods_text_view.h"
+#include "ui_frm_pickig_goods.h"
 #include "host/error_reporter.h"
 #include "host/host_error.h"
 #include "orderdata/order_goods.h"
 #include "orderdata/serial_lookup.h"
 #include "session/language.h"
+#include "station/active_view.h"
 #include "station/scan_line_edit.h"
 #include "station/scan_quantity.h"
 #include "station/serial_lists.h"
-#include "tiles/goods_list_view.h"
 #include <QCheckBox>
 #include <QLabel>
 #include <exception>
@@ -51,78 +51,9 @@ void appendToList(GoodsRecord& line, const QString& key, const QString& value)
     line.SetValue(key, text(line, key) + QLatin1Char(',') + value);
 }
 
-// The calls of one scan on the view the worker looks at: tiles address a line
-// by its index, the grid by goods and entry.
-class ActiveView {
-public:
-    ActiveView(frmPickigGoods& form, qint32 index, qint32 itemId, qint32 entryId)
-        : m_form(form), m_index(index), m_itemId(itemId), m_entryId(entryId) {}
+} // namespace
 
-    void select()
-    {
-        if (grid())
-            m_form.GoodsTextView->SelectedGoodsByIDNew(m_itemId, m_entryId);
-        else
-            m_form.GoodsListView->SelectedGoodsSerilNumNew(m_itemId, m_entryId);
-    }
-    void countOne()
-    {
-        if (grid())
-            m_form.GoodsTextView->PickingGoodsNew(m_itemId, m_entryId);
-        else
-            m_form.GoodsListView->PickingGoods(m_index);
-    }
-    int status()
-    {
-        return grid() ? int(m_form.GoodsTextView->IsPickedNew(m_itemId, m_entryId))
-                      : int(m_form.GoodsListView->IsPicked(m_index));
-    }
-    // The undo before a typed quantity works on the line the quantity goes
-    // to: with the same goods on two entries, the first line's count is not
-    // the one being replaced.
-    qint32 excessCnt()
-    {
-        return grid() ? m_form.GoodsTextView->GetExcessCntNew(m_itemId, m_entryId)
-                      : m_form.GoodsListView->GetExcessCnt(m_index);
-    }
-    qint32 pickedCnt()
-    {
-        return grid() ? m_form.GoodsTextView->GetPickedCntNew(m_itemId, m_entryId)
-                      : m_form.GoodsListView->GetPickedCnt(m_index);
-    }
-    void clearCheckedCnt()
-    {
-        if (grid())
-            m_form.GoodsTextView->ClearCheckedCntNew(m_itemId, m_entryId);
-        else
-            m_form.GoodsListView->ClearCheckedCnt(m_index);
-    }
-    void refresh()
-    {
-        if (grid())
-            m_form.GoodsTextView->RefreshGoodsNew(m_itemId, m_entryId);
-        else
-            m_form.GoodsListView->RefreshGoodsNew(m_itemId, m_entryId);
-    }
-
-private:
-    bool grid() const { return m_form.IsGridView(); }
-    frmPickigGoods& m_form;
-    qint32 m_index, m_itemId, m_entryId;
-};
-
-// A code that is no goods of the order may be the next order: when the header
-// query knows it, the order scan takes it over.
-bool takeAsOrderCode(frmPickigGoods& form, const QString& code)
-{
-    if (!form.OrderHeaderQuery(code))
-        return false;
-    form.TxtID->setText(code);
-    form.TxtID_Enter();
-    return true;
-}
-
-class GoodsScan {
+class frmPickigGoods::GoodsScan {
 public:
     explicit GoodsScan(frmPickigGoods& form) : f(form) {}
     void run();
@@ -130,6 +61,9 @@ public:
     bool quantityRefused() const { return m_quantityRefused; }
 
 private:
+    // A code that is no goods of the order may be the next order: when the
+    // header query knows it, the order scan takes it over.
+    bool takeAsOrderCode();
     bool lookUp();
     bool chooseBarCodeLine();
     bool chooseSerialLine();
@@ -139,21 +73,30 @@ private:
     QString m_code;
     GoodsRecord m_found = GoodsRecord::none();
     qint32 m_itemId = 0;
-    bool m_serialMode = false;   // chkHaveSerial: the code is a serial number
+    bool m_serialMode = false;   // ui->chkHaveSerial: the code is a serial number
     bool m_serialScan = false;   // ... and the serial was found
     qint32 m_quantity = 1;
     bool m_quantityRefused = false;
     GoodsRecord m_line = GoodsRecord::none();   // the chosen order line
 };
 
-void GoodsScan::run()
+bool frmPickigGoods::GoodsScan::takeAsOrderCode()
 {
-    m_code = f.TxtItemID->text().trimmed();
+    if (!f.OrderHeaderQuery(m_code))
+        return false;
+    f.ui->TxtID->setText(m_code);
+    f.TxtID_Enter();
+    return true;
+}
+
+void frmPickigGoods::GoodsScan::run()
+{
+    m_code = f.ui->TxtItemID->text().trimmed();
     if (m_code.isEmpty())
         return;
 
-    if (f.TxtID->text().trimmed().isEmpty() || !HasGoodsLines()) {
-        if (!takeAsOrderCode(f, m_code)) {
+    if (f.ui->TxtID->text().trimmed().isEmpty() || !HasGoodsLines()) {
+        if (!takeAsOrderCode()) {
             f.PlayVoice(kVoiceFindGoods);
             f.SetMessage(QStringLiteral("找不到物流单号/唯一码/商品条码/序列号"));
         }
@@ -161,7 +104,7 @@ void GoodsScan::run()
     }
 
     // Read before the line is touched, so a bad quantity leaves nothing to undo.
-    const std::optional<qint32> quantity = ScanQuantity(f.TxtNum->text());
+    const std::optional<qint32> quantity = ScanQuantity(f.ui->TxtNum->text());
     if (!quantity) {
         f.SetMessage(QStringLiteral("商品数量只能为数值！"));
         m_quantityRefused = true;
@@ -178,21 +121,22 @@ void GoodsScan::run()
     const QString entry = text(m_found, QStringLiteral("FEntryID"));
     const qint32 index = FindGoodsLineIndex(m_itemId, entry);
     if (index == -2) {
-        if (!takeAsOrderCode(f, m_code)) {
+        if (!takeAsOrderCode()) {
             f.PlayVoice(kVoiceFindGoods);
-            f.lblPickInfo->clear();
+            f.ui->lblPickInfo->clear();
             f.SetMessage(QStringLiteral("找不到相应的发货单或商品"));
         }
         return;
     }
     if (index < 0) {
         f.PlayVoice(kVoiceError);
-        f.m_ErrorNum += m_quantity;
+        f.m_state.countWrongGoods(m_quantity);
         f.WriteVerdict(2);
         return;
     }
 
-    ActiveView view(f, index, m_itemId, entry.toInt());
+    ActiveView view = f.activeView();
+    const ActiveView::Line line{index, m_itemId, entry.toInt()};
     if (m_quantity >= 2) {
         if (m_serialScan) {
             // Nothing is counted, so the line keeps the open quantity it had.
@@ -202,48 +146,46 @@ void GoodsScan::run()
             return;
         }
         // A typed quantity replaces what the line had counted so far.
-        f.m_ExcessNum -= view.excessCnt();
+        f.m_state.takeBackExcess(view.excessCnt(line));
         f.WriteVerdict(0);
-        f.m_PickedNum -= view.pickedCnt();
+        f.m_state.takeBackPicked(view.pickedCnt(line));
         f.UpdateProgress();
-        view.clearCheckedCnt();
+        view.clearCheckedCnt(line);
     }
 
     if (m_serialScan && !m_line.isNone() && !shelfLifeFits(m_line))
         return;
 
-    const qint32 total = f.lblOrderNum->text().toInt();
+    const qint32 total = f.shownTotal();
     int status = 0;
-    view.select();
+    view.select(line);
     for (qint32 k = 1; k <= m_quantity; ++k) {
         const bool lastUnit = k == m_quantity;
-        view.countOne();
-        status = view.status();
+        view.countOne(line);
+        status = view.status(line);
         if (status < 2) {
-            ++f.m_PickedNum;
+            const bool complete = f.m_state.countUnit(total);
             f.UpdateProgress();
-            f.lblPickInfo->clear();
-            if (f.m_RecomputeMissing) {
-                f.m_MissingNum = total - f.m_PickedNum;
+            f.ui->lblPickInfo->clear();
+            if (f.m_state.recomputeMissing())
                 f.WriteVerdict(1);
-            }
-            if (total >= 1 && f.m_PickedNum == total)
+            if (complete)
                 f.OrderPassed(lastUnit);
         } else {
             // One prompt for the whole quantity, not one per piece.
             if (lastUnit)
                 f.PlayVoice(kVoiceExcess);
-            ++f.m_ExcessNum;
+            f.m_state.countExcessUnit();
             f.WriteVerdict(0);
         }
     }
     if (status == 1 || status == 2)
-        view.refresh();
+        view.refresh(line);
 }
 
-bool GoodsScan::lookUp()
+bool frmPickigGoods::GoodsScan::lookUp()
 {
-    m_serialMode = f.chkHaveSerial->isChecked();
+    m_serialMode = f.ui->chkHaveSerial->isChecked();
     if (m_serialMode) {
         m_found = FindSerialNumber(m_code);
         if (!text(m_found, QStringLiteral("FItemID")).isEmpty()) {
@@ -264,7 +206,7 @@ bool GoodsScan::lookUp()
     return true;
 }
 
-bool GoodsScan::chooseBarCodeLine()
+bool frmPickigGoods::GoodsScan::chooseBarCodeLine()
 {
     const RecordList lines = GetGoodsLineSet();
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
@@ -279,7 +221,7 @@ bool GoodsScan::chooseBarCodeLine()
     return true;   // no open line: the index search below answers it
 }
 
-bool GoodsScan::chooseSerialLine()
+bool frmPickigGoods::GoodsScan::chooseSerialLine()
 {
     const RecordList lines = GetGoodsLineSet();
     const QString item = QString::number(m_itemId);
@@ -318,7 +260,7 @@ bool GoodsScan::chooseSerialLine()
     return true;
 }
 
-bool GoodsScan::shelfLifeFits(GoodsRecord& line)
+bool frmPickigGoods::GoodsScan::shelfLifeFits(GoodsRecord& line)
 {
     const QString period = text(m_found, QStringLiteral("FKFPeriod"));
     const QString date = text(m_found, QStringLiteral("FKFDate"));
@@ -337,8 +279,6 @@ bool GoodsScan::shelfLifeFits(GoodsRecord& line)
     appendToList(line, QStringLiteral("FKFDate"), date);
     return true;
 }
-
-} // namespace
 
 void frmPickigGoods::TxtItemID_Enter()
 {
@@ -360,7 +300,7 @@ bool frmPickigGoods::scanGoodsCode()
         ReportError(0, QStringLiteral("Unknown error"), this);
     }
     // Every path, errors included, leaves the station ready for the next scan.
-    TxtNum->setText(QStringLiteral("1"));
-    FocusAndSelect(TxtItemID);
+    ui->TxtNum->setText(QStringLiteral("1"));
+    FocusAndSelect(ui->TxtItemID);
     return quantityRefused;
 }
