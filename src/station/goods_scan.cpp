@@ -9,6 +9,7 @@
 #include "orderdata/serial_lookup.h"
 #include "session/language.h"
 #include "station/active_view.h"
+#include "station/gs1_scan.h"
 #include "station/scan_line_edit.h"
 #include "station/scan_quantity.h"
 #include "station/serial_lists.h"
@@ -64,7 +65,13 @@ private:
     // A code that is no goods of the order may be the next order: when the
     // header query knows it, the order scan takes it over.
     bool takeAsOrderCode();
+    // A GS1 code: refused when it does not read; its count is the quantity.
+    bool readGs1();
+    bool takeGs1Count();
     bool lookUp();
+    // A serial scanned from a GS1 label must be the labelled goods, of the
+    // labelled batch and expiry.
+    bool serialFitsLabel();
     bool chooseBarCodeLine();
     bool chooseSerialLine();
     bool shelfLifeFits(GoodsRecord& line);
@@ -77,6 +84,7 @@ private:
     bool m_serialScan = false;   // ... and the serial was found
     qint32 m_quantity = 1;
     bool m_quantityRefused = false;
+    Gs1Scan m_gs1;   // what a GS1 code asks; Plain for every other code
     GoodsRecord m_line = GoodsRecord::none();   // the chosen order line
 };
 
@@ -94,9 +102,12 @@ void frmPickigGoods::GoodsScan::run()
     m_code = f.ui->TxtItemID->text().trimmed();
     if (m_code.isEmpty())
         return;
+    if (!readGs1())
+        return;
 
     if (f.ui->TxtID->text().trimmed().isEmpty() || !HasGoodsLines()) {
-        if (!takeAsOrderCode()) {
+        // A GS1 code is never an order's code.
+        if (m_gs1.kind == Gs1Scan::Kind::Read || !takeAsOrderCode()) {
             f.PlayVoice(kVoiceFindGoods);
             f.SetMessage(QStringLiteral("找不到物流单号/唯一码/商品条码/序列号"));
         }
@@ -111,6 +122,8 @@ void frmPickigGoods::GoodsScan::run()
         return;
     }
     m_quantity = *quantity;
+    if (!takeGs1Count())
+        return;
 
     if (!lookUp())
         return;
@@ -121,7 +134,8 @@ void frmPickigGoods::GoodsScan::run()
     const QString entry = text(m_found, QStringLiteral("FEntryID"));
     const qint32 index = FindGoodsLineIndex(m_itemId, entry);
     if (index == -2) {
-        if (!takeAsOrderCode()) {
+        // A GS1 code is never an order's code.
+        if (m_gs1.kind == Gs1Scan::Kind::Read || !takeAsOrderCode()) {
             f.PlayVoice(kVoiceFindGoods);
             f.ui->lblPickInfo->clear();
             f.SetMessage(QStringLiteral("找不到相应的发货单或商品"));
@@ -183,18 +197,49 @@ void frmPickigGoods::GoodsScan::run()
         view.refresh(line);
 }
 
+bool frmPickigGoods::GoodsScan::readGs1()
+{
+    m_gs1 = ReadGs1Scan(m_code);
+    if (m_gs1.kind == Gs1Scan::Kind::Refused) {
+        f.PlayVoice(kVoiceFindGoods);
+        f.ui->lblPickInfo->clear();
+        f.SetMessage(m_gs1.refusal);
+        return false;
+    }
+    return true;
+}
+
+bool frmPickigGoods::GoodsScan::takeGs1Count()
+{
+    if (m_gs1.kind == Gs1Scan::Kind::Read && m_gs1.count) {
+        // The label's count stands for the quantity typed in TxtNum.
+        const std::optional<qint32> count = ScanQuantity(*m_gs1.count);
+        if (!count) {
+            f.SetMessage(QStringLiteral("商品数量只能为数值！"));
+            m_quantityRefused = true;
+            return false;
+        }
+        m_quantity = *count;
+    }
+    return true;
+}
+
 bool frmPickigGoods::GoodsScan::lookUp()
 {
+    const bool gs1 = m_gs1.kind == Gs1Scan::Kind::Read;
     m_serialMode = f.ui->chkHaveSerial->isChecked();
     if (m_serialMode) {
-        m_found = FindSerialNumber(m_code);
+        // A label without a serial number finds no serial.
+        m_found = !gs1 ? FindSerialNumber(m_code) : m_gs1.serial ? FindSerialNumber(*m_gs1.serial) : GoodsRecord();
         if (!text(m_found, QStringLiteral("FItemID")).isEmpty()) {
+            if (gs1 && !serialFitsLabel())
+                return false;
             m_itemId = m_found.GetValue(QStringLiteral("FItemID")).toInt();
             m_serialScan = true;
         }
         return true;
     }
-    m_found = FindWebOrderGoodsByBarCode(m_code);
+    m_found = !gs1 ? FindWebOrderGoodsByBarCode(m_code) : m_gs1.gtin ? FindWebOrderGoodsByGtin(*m_gs1.gtin) : GoodsRecord();
     if (!text(m_found, QStringLiteral("FItemID")).isEmpty()) {
         if (m_found.GetValue(QStringLiteral("FSerialClassID"), 0).toInt() != 0) {
             f.PlayVoice(kVoiceScanSerial);
@@ -202,6 +247,24 @@ bool frmPickigGoods::GoodsScan::lookUp()
             return false;
         }
         m_itemId = m_found.GetValue(QStringLiteral("FItemID")).toInt();
+    }
+    return true;
+}
+
+bool frmPickigGoods::GoodsScan::serialFitsLabel()
+{
+    const QString item = text(m_found, QStringLiteral("FItemID"));
+    const bool goodsFit = !m_gs1.gtin || text(FindWebOrderGoodsByGtin(*m_gs1.gtin), QStringLiteral("FItemID")) == item;
+    const bool batchFits = !m_gs1.batch || *m_gs1.batch == text(m_found, QStringLiteral("FBatchNo"));
+    if (!goodsFit || !batchFits) {
+        f.PlayVoice(kVoiceFindGoods);
+        f.SetMessage(QStringLiteral("该商品的批次、仓库、仓位信息与订单分录上的不一致"));
+        return false;
+    }
+    if (m_gs1.expiry && !Gs1ExpiryFits(*m_gs1.expiry, m_found)) {
+        f.PlayVoice(kVoiceDifKFPeriod);
+        f.SetMessage(QStringLiteral("同一分录不允许扫描不同保质期的商品"));
+        return false;
     }
     return true;
 }
@@ -229,7 +292,7 @@ bool frmPickigGoods::GoodsScan::chooseSerialLine()
     // is the one the line keeps, so a rescan in other case is still a repeat.
     QString serial = text(m_found, QStringLiteral("FSerialNum"));
     if (serial.isEmpty())
-        serial = m_code;
+        serial = m_gs1.serial.value_or(m_code);
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
         GoodsRecord line = lines.Item(i);
         if (text(line, QStringLiteral("GoodsID")) != item || !hasOpenQuantity(line))

@@ -13,9 +13,9 @@ Gs1Scan ReadGs1Scan(const QString& code)
     if (!parsed.ok()) {
         scan.kind = Gs1Scan::Kind::Refused;
         // The reason is translated; the AI it is about stays as it is.
-        scan.refusal = QStringLiteral("~$~") + parsed.error;
-        if (!parsed.errorAi.isEmpty())
-            scan.refusal += QStringLiteral("^|^ (") + parsed.errorAi + QLatin1Char(')');
+        scan.refusal = parsed.errorAi.isEmpty()
+            ? parsed.error
+            : QStringLiteral("~$~") + parsed.error + QStringLiteral("^|^ (") + parsed.errorAi + QLatin1Char(')');
         return scan;
     }
     scan.kind = Gs1Scan::Kind::Read;
