@@ -1,4 +1,6 @@
 #include "app/replay_driver.h"
+#include <iostream>
+#include <string>
 #include "host/employee_picker.h"
 #include "host/object_factory.h"
 #include "host/sql_engine.h"
@@ -246,6 +248,19 @@ void ReplayDriver::install()
     RegisterServerObject(ProgIds::MessageBox, [recorder] { return std::make_shared<RecordingMessageBox>(recorder); });
     RegisterServerObject(ProgIds::Sound, [recorder] { return std::make_shared<RecordingSound>(recorder); });
     RegisterServerObject(ProgIds::EmployeePicker, [] { return std::make_shared<FirstMatchPicker>(); });
+    m_preAnswered = 0;
+    for (const ReplayCommand& command : std::as_const(m_commands)) {
+        if (command.verb != QLatin1String("answer"))
+            break;
+        m_recorder->answers.enqueue(command.target == QLatin1String("yes"));
+        ++m_preAnswered;
+    }
+}
+
+void ReplayDriver::readOnFromStandardInput(int linesRead)
+{
+    m_live = true;
+    m_linesRead = linesRead;
 }
 
 void ReplayDriver::run(frmPickigGoods* form)
@@ -254,11 +269,31 @@ void ReplayDriver::run(frmPickigGoods* form)
     if (!m_form)
         return;
     // What the form showed and played while it opened belongs to the first step.
-    for (const ReplayCommand& command : std::as_const(m_commands)) {
+    const auto runOne = [this](const ReplayCommand& command) {
         const QByteArray line = QJsonDocument(step(command)).toJson(QJsonDocument::Compact);
         std::fwrite(line.constData(), 1, size_t(line.size()), stdout);
         std::fputc('\n', stdout);
         std::fflush(stdout);
+    };
+    for (const ReplayCommand& command : std::as_const(m_commands))
+        runOne(command);
+    // Live: each line as it comes, its state line at once, until the input ends.
+    std::string raw;
+    while (m_live && std::getline(std::cin, raw)) {
+        ++m_linesRead;
+        QList<ReplayCommand> parsed;
+        int badLine = 0;
+        QString reason;
+        if (!ParseReplayScript(QString::fromStdString(raw), parsed, badLine, reason)) {
+            const QByteArray error = QStringLiteral("line %1: %2\n").arg(m_linesRead).arg(reason).toUtf8();
+            std::fwrite(error.constData(), 1, size_t(error.size()), stderr);
+            m_exitCode = 2;
+            break;
+        }
+        for (ReplayCommand& command : parsed) {
+            command.lineNumber = m_linesRead;
+            runOne(command);
+        }
     }
     if (m_form && !m_closed)
         m_form->closeWithoutAsking();
@@ -326,7 +361,11 @@ void ReplayDriver::execute(const ReplayCommand& command)
             point = QPoint(qMin(8, target->width() / 2), target->height() / 2);
         clickAt(target, point);
     } else if (verb == QLatin1String("answer")) {
-        m_recorder->answers.enqueue(command.target == QLatin1String("yes"));
+        // The leading answers were queued before the station opened.
+        if (m_preAnswered > 0)
+            --m_preAnswered;
+        else
+            m_recorder->answers.enqueue(command.target == QLatin1String("yes"));
     } else if (verb == QLatin1String("close")) {
         m_closed = m_form->close();
     }

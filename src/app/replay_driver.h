@@ -39,8 +39,16 @@ public:
     explicit ReplayDriver(QList<ReplayCommand> commands = {});
     ~ReplayDriver();
 
-    // Registers the recording message box, sound and employee picker.
+    // Registers the recording message box, sound and employee picker. The
+    // script's leading `answer` lines are queued at once: they answer the
+    // questions the station asks while it opens.
     void install();
+    // Live: after the commands given, each further line is read from standard
+    // input and run as soon as it arrives (`--replay -`). linesRead: the
+    // lines of standard input already taken, for the numbers in errors.
+    void readOnFromStandardInput(int linesRead);
+    // 0, or 2 when a line read live was malformed.
+    int exitCode() const { return m_exitCode; }
     // Runs every command against the station form that is showing, writing
     // one JSON line per command, then closes the form without asking.
     void run(frmPickigGoods* form);
@@ -78,4 +86,8 @@ private:
     std::shared_ptr<Recorder> m_recorder;
     int m_step = 0;
     bool m_closed = false;
+    int m_preAnswered = 0;   // leading answers already queued by install()
+    bool m_live = false;
+    int m_linesRead = 0;
+    int m_exitCode = 0;
 };
