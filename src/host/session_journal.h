@@ -24,6 +24,9 @@ struct JournalState {
 
 class ISessionJournal : public ServerObject {
 public:
+    // Takes the journal of the session's user and database for this station;
+    // false while another open station (of this process or another) holds it.
+    virtual bool Claim(const QString& props) = 0;
     // The journal of the session's user and database (from the property
     // string) is there: the last session did not end cleanly.
     virtual bool Exists(const QString& props) = 0;

@@ -12,12 +12,14 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLockFile>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStandardPaths>
 #include <QUuid>
 #include <climits>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -138,6 +140,20 @@ class SessionJournal : public ISessionJournal {
 public:
     ~SessionJournal() override { closeDatabase(); }
 
+    bool Claim(const QString& props) override
+    {
+        const QString file = journalFile(props);
+        QDir().mkpath(QFileInfo(file).absolutePath());
+        auto lock = std::make_unique<QLockFile>(file + QStringLiteral(".lock"));
+        // Held for as long as the station is open; a lock left by a killed
+        // station names a process that is gone and is taken over.
+        lock->setStaleLockTime(0);
+        if (!lock->tryLock(0))
+            return false;
+        m_lock = std::move(lock);
+        return true;
+    }
+
     bool Exists(const QString& props) override { return QFileInfo::exists(journalFile(props)); }
 
     JournalState Read(const QString& props) override
@@ -226,11 +242,12 @@ public:
     void Remove() override
     {
         closeDatabase();
-        if (m_file.isEmpty())
-            return;
-        for (const QString& suffix : {QString(), QStringLiteral("-wal"), QStringLiteral("-shm")})
-            QFile::remove(m_file + suffix);
-        m_file.clear();
+        if (!m_file.isEmpty()) {
+            for (const QString& suffix : {QString(), QStringLiteral("-wal"), QStringLiteral("-shm")})
+                QFile::remove(m_file + suffix);
+            m_file.clear();
+        }
+        m_lock.reset();
     }
 
 private:
@@ -419,6 +436,7 @@ private:
     }
 
     QString m_file;
+    std::unique_ptr<QLockFile> m_lock;
     QString m_connection;
     QSqlDatabase m_db;
     bool m_open = false;

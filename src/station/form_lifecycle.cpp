@@ -143,11 +143,13 @@ void frmPickigGoods::chkHaveSerial_Click()
 
 void frmPickigGoods::chkShowText_Click()
 {
+    const JournalCommit commit{*this};
     guarded(this, [this] { activeView().switchTo(ui->PiclistBack->size()); });
 }
 
 void frmPickigGoods::TxtEmployee_PickEmployee()
 {
+    const JournalCommit commit{*this};
     guarded(this, [this] {
         auto picker = CreateServerObjectAs<IEmployeePicker>(ProgIds::EmployeePicker);
         const EmployeePickResult result = picker->Pick(this, GetPropsString(), ui->TxtEmployee->text());
@@ -160,6 +162,7 @@ void frmPickigGoods::TxtEmployee_PickEmployee()
 
 void frmPickigGoods::LogList1_FilterChanged()
 {
+    const JournalCommit commit{*this};
     guarded(this, [this] {
         reloadLogPane();
     });
@@ -216,6 +219,7 @@ void frmPickigGoods::unload()
 {
     m_unloaded = true;
     SaveOptions();
+    closeJournal();
     m_state.release();
     // The module-wide order state ends with the station.
     guarded(this, [] { ResetSessionState(); });

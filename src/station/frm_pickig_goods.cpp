@@ -1,6 +1,7 @@
 // The station form: its controls from the .ui file, what code adds to their
 // look, and the small helpers that every handler file of the form shares.
 #include "station/frm_pickig_goods.h"
+#include "host/session_journal.h"
 #include "ui_frm_pickig_goods.h"
 #include "station/active_view.h"
 #include "grid/goods_text_view.h"
@@ -100,6 +101,8 @@ frmPickigGoods::frmPickigGoods(QWidget* parent) : QDialog(parent), ui(std::make_
     // Load: fonts, options, company settings.
     SetFrmFont(this);
     LoadOptions();
+    // A session that died is offered back before the worker scans.
+    openJournal();
 }
 
 frmPickigGoods::~frmPickigGoods() = default;

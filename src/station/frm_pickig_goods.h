@@ -17,6 +17,8 @@
 class QLineEdit;
 class QTimer;
 class ActiveView;
+class ISessionJournal;
+struct JournalState;
 namespace Ui { class frmPickigGoods; }
 
 class frmPickigGoods : public QDialog {
@@ -113,6 +115,22 @@ private:
     bool QueryUnload();
     void unload();
 
+    // --- The session's journal (session_recovery.cpp) ---
+    // Opens it at start, offering first to take up a session that died.
+    void openJournal();
+    // Writes what changed; every handler ends with it (JournalCommit).
+    void commitJournal();
+    // A clean close: the journal goes.
+    void closeJournal();
+    JournalState journalState() const;
+    bool worthRestoring(const JournalState& saved) const;
+    void restoreFromJournal(const JournalState& saved);
+    // Writes the journal when a handler ends, whichever way it ends.
+    struct JournalCommit {
+        frmPickigGoods& form;
+        ~JournalCommit() { form.commitJournal(); }
+    };
+
     std::unique_ptr<Ui::frmPickigGoods> ui;
     QTimer* Timer_AutoClear = nullptr;   // placed on the form, nothing attached
     PickingState m_state;
@@ -121,4 +139,6 @@ private:
     bool m_skipCloseQuestion = false;
     bool m_shownOnce = false;
     GoodsRecord m_bigViewLine;   // the line the enlarged tile shows
+    std::shared_ptr<ISessionJournal> m_journal;
+    bool m_journalFailed = false;   // told once until a commit succeeds again
 };

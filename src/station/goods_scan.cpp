@@ -350,6 +350,7 @@ void frmPickigGoods::TxtItemID_Enter()
 
 bool frmPickigGoods::scanGoodsCode()
 {
+    const JournalCommit commit{*this};
     bool quantityRefused = false;
     try {
         GoodsScan scan(*this);

@@ -53,6 +53,7 @@ QString translatedVerdict(const QString& text)
 
 void frmPickigGoods::TxtID_Enter()
 {
+    const JournalCommit commit{*this};
     try {
         const QString code = TrimBlanks(ui->TxtID->text());
         LogLeavingVerdict();

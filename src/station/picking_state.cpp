@@ -142,6 +142,19 @@ qint32 PickingState::pickedOnLines(const RecordList& lines)
     return picked;
 }
 
+void PickingState::restoreSession(const RecordList& log, const QStringList& keys)
+{
+    if (!logOpen())
+        return;
+    m_sessionOrderLog.Clear();
+    for (int i = 0; !log.isNone() && i < log.Count(); ++i)
+        m_sessionOrderLog.Add(log.Item(i));
+    m_sessionOrderKeys.Clear();
+    for (const QString& code : keys)
+        if (!m_sessionOrderKeys.Exists(code))
+            m_sessionOrderKeys.Add(code, code);
+}
+
 void PickingState::release()
 {
     m_sessionOrderLog = RecordList::none();

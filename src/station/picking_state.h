@@ -95,6 +95,12 @@ public:
     // Picked is what the lines hold up to their ordered counts; the rest was excess.
     static qint32 pickedOnLines(const RecordList& lines);
 
+    // --- A session taken up again from its journal ---
+    // The log entries and the codes checked, as the journal kept them.
+    void restoreSession(const RecordList& log, const QStringList& keys);
+    // The codes checked since the station opened, in the order they came.
+    QStringList checkedCodes() const { return m_sessionOrderKeys.isNone() ? QStringList() : m_sessionOrderKeys.Keys(); }
+
     // Close: the argument list goes when the worker chose to close, the
     // session log with the station.
     void releaseArgumentList() { m_argList = RecordList::none(); }

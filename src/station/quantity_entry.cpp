@@ -27,6 +27,7 @@ void guarded(frmPickigGoods* form, Work work)
 
 void frmPickigGoods::TxtNum_Change()
 {
+    const JournalCommit commit{*this};
     guarded(this, [this] {
         const QString text = ui->TxtNum->text();
         // Empty is allowed while the worker types.

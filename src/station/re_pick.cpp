@@ -9,6 +9,7 @@
 
 void frmPickigGoods::CmdBtnRePick_Click()
 {
+    const JournalCommit commit{*this};
     try {
         QString code = ui->TxtID->text().trimmed();
         if (code.isEmpty())

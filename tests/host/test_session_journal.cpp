@@ -46,13 +46,15 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
+        m_dataHome = qgetenv("XDG_DATA_HOME");
         qputenv("XDG_DATA_HOME", m_dir.path().toUtf8());
         m_props = QStringLiteral("UserID=7;ConnectString={Provider=SQLite;Data Source=/srv/a.db};");
         m_journal = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal);
     }
-    void TearDown() override { qunsetenv("XDG_DATA_HOME"); }
+    void TearDown() override { qputenv("XDG_DATA_HOME", m_dataHome); }
 
     QTemporaryDir m_dir;
+    QByteArray m_dataHome;
     QString m_props;
     std::shared_ptr<ISessionJournal> m_journal;
 };
@@ -136,6 +138,21 @@ TEST_F(SessionJournalTest, AJournalThatCannotBeReadIsSaidSoAndSetAside)
     EXPECT_FALSE(journal->Exists(m_props));
     EXPECT_TRUE(QFile::exists(aside));
     EXPECT_TRUE(aside.contains(".unreadable-"));
+}
+
+TEST_F(SessionJournalTest, OneStationAtATimeHoldsTheJournalOfAUserAndDatabase)
+{
+    ASSERT_TRUE(m_journal->Claim(m_props));
+    auto second = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal);
+    EXPECT_FALSE(second->Claim(m_props));
+    // Another user, or another database, has a journal of its own.
+    EXPECT_TRUE(CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal)
+                    ->Claim(QStringLiteral("UserID=8;ConnectString={Provider=SQLite;Data Source=/srv/a.db};")));
+    EXPECT_TRUE(CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal)
+                    ->Claim(QStringLiteral("UserID=7;ConnectString={Provider=SQLite;Data Source=/srv/b.db};")));
+    m_journal->Start(m_props, JournalState{});
+    m_journal->Remove();   // a clean close lets the next station take it
+    EXPECT_TRUE(second->Claim(m_props));
 }
 
 TEST_F(SessionJournalTest, ACommitOfOneCountOnALargeOrderWritesLittle)
