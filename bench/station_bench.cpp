@@ -5,6 +5,7 @@
 #include "host/demo_database.h"
 #include "host/object_factory.h"
 #include "host/platform.h"
+#include "host/session_journal.h"
 #include "host/sql_engine.h"
 #include "host/sql_statement_trace.h"
 #include "host/tsql_bridge.h"
@@ -60,6 +61,18 @@ public:
 
 private:
     std::shared_ptr<Witness> m_w;
+};
+
+// No journal: the station runs as one whose journal another window holds.
+class NoJournal : public ISessionJournal {
+public:
+    bool Claim(const QString&) override { return false; }
+    bool Exists(const QString&) override { return false; }
+    JournalState Read(const QString&) override { return {}; }
+    QString SetAside(const QString&) override { return {}; }
+    void Start(const QString&, const JournalState&) override {}
+    void Commit(const JournalState&) override {}
+    void Remove() override {}
 };
 
 struct OrderUnit {
@@ -482,6 +495,7 @@ QJsonObject Run::figures(const QString& databaseFile)
         {QStringLiteral("lines"), m_order.lines},
         {QStringLiteral("units"), m_order.units},
         {QStringLiteral("view"), m_config.gridView ? QStringLiteral("grid") : QStringLiteral("tiles")},
+        {QStringLiteral("journal"), m_config.journal},
         {QStringLiteral("order"), m_config.listedOrder ? QStringLiteral("listed") : QStringLiteral("shuffled")},
         {QStringLiteral("load"), load},
         {QStringLiteral("scan"), scan},
@@ -543,6 +557,8 @@ QJsonObject RunStationBench(const StationBenchConfig& config)
     }
     RegisterServerObject(ProgIds::MessageBox, [witness] { return std::make_shared<CountingMessageBox>(witness); });
     RegisterServerObject(ProgIds::Sound, [witness] { return std::make_shared<CountingSound>(witness); });
+    if (!config.journal)
+        RegisterServerObject(ProgIds::SessionJournal, [] { return std::make_shared<NoJournal>(); });
 
     SqlStatementTrace::setCapturing(false);
     SqlStatementTrace::reset();
@@ -578,6 +594,7 @@ QJsonObject RunStationBench(const StationBenchConfig& config)
     SqlEngine::closeAll();
     RestoreBuiltInServerObjects(ProgIds::MessageBox);
     RestoreBuiltInServerObjects(ProgIds::Sound);
+    RestoreBuiltInServerObjects(ProgIds::SessionJournal);
     if (!drove)
         return failure(QStringLiteral("the station never showed"));
     return run.figures(database);
