@@ -6,7 +6,11 @@
 //   rnw_bench [--sizes 10,100,500,2000] [--views tiles,grid] [--scans N]
 //             [--loads N] [--floor-sample N] [--order shuffled|listed]
 //             [--json FILE] [--work DIR] [--scripts DIR] [--keep]
-//   rnw_bench --worker --db FILE --lines N --view tiles|grid [...]   (one run, JSON line)
+//             [--journal-cost N]
+//   rnw_bench --worker --db FILE --lines N --view tiles|grid [--no-journal] [...]   (one run, JSON line)
+//
+// At the size given by --journal-cost (500 unless 0), each view runs a second
+// time without the session journal, and the journal's cost is printed.
 #include "bench_stats.h"
 #include "demo/demo_database.h"
 #include "host/host_error.h"
@@ -38,7 +42,9 @@ struct Options {
     QString work;
     QString scripts;
     bool keep = false;
+    int journalCost = 500;
     // worker
+    bool journal = true;
     bool worker = false;
     QString db;
     int lines = 0;
@@ -57,7 +63,7 @@ QString usage()
     return QStringLiteral(
         "usage: rnw_bench [--sizes 10,100,500,2000] [--views tiles,grid] [--scans N] [--loads N]\n"
         "                 [--floor-sample N] [--order shuffled|listed] [--json FILE] [--work DIR]\n"
-        "                 [--scripts DIR] [--keep]\n");
+        "                 [--scripts DIR] [--keep] [--journal-cost N]\n");
 }
 
 bool parse(const QStringList& args, Options& o, QString& error)
@@ -132,6 +138,11 @@ bool parse(const QStringList& args, Options& o, QString& error)
                 return false;
         } else if (a == QLatin1String("--keep")) {
             o.keep = true;
+        } else if (a == QLatin1String("--journal-cost")) {
+            if (!number(i, o.journalCost, 0))
+                return false;
+        } else if (a == QLatin1String("--no-journal")) {
+            o.journal = false;
         } else if (a == QLatin1String("--worker")) {
             o.worker = true;
         } else if (a == QLatin1String("--db")) {
@@ -166,6 +177,7 @@ int runWorker(const Options& o)
     config.databaseFile = o.db;
     config.lines = o.lines;
     config.gridView = o.view == QLatin1String("grid");
+    config.journal = o.journal;
     config.listedOrder = o.order == QLatin1String("listed");
     config.scans = o.scans;
     config.loads = o.loads;
@@ -178,7 +190,7 @@ int runWorker(const Options& o)
     return result.value(QStringLiteral("error_count")).toInt() == 0 ? ExitOk : ExitFailed;
 }
 
-QJsonObject runChild(const Options& o, const QString& db, int lines, const QString& view, const QString& work)
+QJsonObject runChild(const Options& o, const QString& db, int lines, const QString& view, const QString& work, bool journal)
 {
     QStringList args{QStringLiteral("--worker"), QStringLiteral("--db"), db, QStringLiteral("--lines"), QString::number(lines),
                      QStringLiteral("--view"), view, QStringLiteral("--scans"), QString::number(o.scans),
@@ -186,9 +198,13 @@ QJsonObject runChild(const Options& o, const QString& db, int lines, const QStri
                      QString::number(o.floorSample), QStringLiteral("--order"), o.order, QStringLiteral("--work"), work};
     if (!o.scripts.isEmpty())
         args << QStringLiteral("--scripts") << o.scripts;
+    if (!journal)
+        args << QStringLiteral("--no-journal");
     QProcess child;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    // The journal and the profile of the run stay in its folder.
+    env.insert(QStringLiteral("XDG_DATA_HOME"), QDir(work).filePath(QStringLiteral("xdg-data")));
     child.setProcessEnvironment(env);
     child.setProcessChannelMode(QProcess::SeparateChannels);
     child.start(QCoreApplication::applicationFilePath(), args);
@@ -229,7 +245,7 @@ QString cell(double value, int decimals = 2)
 
 QString table(const QJsonArray& runs)
 {
-    const QStringList head{"lines", "view", "load1st", "load", "ldSQL", "ldFloor", "scans", "median", "p95", "p99",
+    const QStringList head{"lines", "view", "jrnl", "load1st", "load", "ldSQL", "ldFloor", "scans", "median", "p95", "p99",
                            "max", "cpu99", "stmts", "sqlMs", "floor", "p99-2F", "ok", "peakMB", "growMB"};
     QList<QStringList> rows{head};
     for (const QJsonValue& v : runs) {
@@ -240,12 +256,13 @@ QString table(const QJsonArray& runs)
         const QJsonObject memory = r.value(QStringLiteral("memory")).toObject();
         if (r.value(QStringLiteral("error_count")).toInt() != 0 && scan.isEmpty()) {
             rows << QStringList{QString::number(r.value(QStringLiteral("lines")).toInt()), r.value(QStringLiteral("view")).toString(),
-                                QStringLiteral("FAILED")};
+                                QString(), QStringLiteral("FAILED")};
             continue;
         }
         rows << QStringList{
             QString::number(r.value(QStringLiteral("lines")).toInt()),
             r.value(QStringLiteral("view")).toString(),
+            r.value(QStringLiteral("journal")).toBool(true) ? QStringLiteral("on") : QStringLiteral("off"),
             cell(load.value(QStringLiteral("first_ms")).toObject().value(QStringLiteral("median")).toDouble(), 1),
             cell(load.value(QStringLiteral("ms")).toObject().value(QStringLiteral("median")).toDouble(), 1),
             cell(load.value(QStringLiteral("sql_ms")).toObject().value(QStringLiteral("median")).toDouble(), 1),
@@ -275,7 +292,7 @@ QString table(const QJsonArray& runs)
     QString text;
     for (const QStringList& row : rows) {
         for (int c = 0; c < row.size(); ++c)
-            text += (c < 2 ? row[c].leftJustified(widths[c]) : row[c].rightJustified(widths[c])) + QStringLiteral("  ");
+            text += (c < 3 ? row[c].leftJustified(widths[c]) : row[c].rightJustified(widths[c])) + QStringLiteral("  ");
         text = text.trimmed() + QLatin1Char('\n');
     }
     return text + QStringLiteral(
@@ -283,7 +300,34 @@ QString table(const QJsonArray& runs)
                "(median); ldSQL: its engine time; ldFloor, floor: the same statements straight on SQLite (floor:\n"
                "of the commonest scan); cpu99: p99 of the station's own CPU time per scan; stmts, sqlMs:\n"
                "statements and engine time per scan; p99-2F: p99 of (scan - 2 x the floor of that scan's own\n"
-               "statements), ok when at most 5 ms; growMB: resident growth over the timed scans.\n");
+               "statements), ok when at most 5 ms; growMB: resident growth over the timed scans; jrnl: the\n"
+               "session journal written before each answer (off: the same run without it).\n");
+}
+
+// The journal's cost: the scan p99 with and without it, per view.
+QString journalCost(const QJsonArray& runs)
+{
+    QString text;
+    for (const QJsonValue& off : runs) {
+        const QJsonObject without = off.toObject();
+        if (without.value(QStringLiteral("journal")).toBool(true))
+            continue;
+        for (const QJsonValue& on : runs) {
+            const QJsonObject with = on.toObject();
+            if (!with.value(QStringLiteral("journal")).toBool(true) || with.value(QStringLiteral("lines")) != without.value(QStringLiteral("lines"))
+                || with.value(QStringLiteral("view")) != without.value(QStringLiteral("view")))
+                continue;
+            const auto p99 = [](const QJsonObject& r, const char* figure) {
+                return r.value(QStringLiteral("scan")).toObject().value(QLatin1String(figure)).toObject().value(QStringLiteral("p99")).toDouble();
+            };
+            text += QStringLiteral("journal cost, %1 lines, %2 view: scan p99 %3 ms with, %4 ms without (%5 ms); cpu p99 %6 / %7 ms\n")
+                        .arg(with.value(QStringLiteral("lines")).toInt())
+                        .arg(with.value(QStringLiteral("view")).toString())
+                        .arg(cell(p99(with, "ms")), cell(p99(without, "ms")), QString::number(p99(with, "ms") - p99(without, "ms"), 'f', 2))
+                        .arg(cell(p99(with, "cpu_ms")), cell(p99(without, "cpu_ms")));
+        }
+    }
+    return text;
 }
 
 int runAll(const Options& o)
@@ -322,12 +366,18 @@ int runAll(const Options& o)
         for (const QString& view : o.views) {
             print(stderr, QStringLiteral("rnw_bench: %1 lines, %2 view...\n").arg(size).arg(view));
             const QString runFolder = QDir(work).filePath(QStringLiteral("run_%1_%2").arg(size).arg(view));
-            const QJsonObject result = runChild(o, db, size, view, runFolder);
-            for (const QJsonValue& e : result.value(QStringLiteral("errors")).toArray())
-                print(stderr, QStringLiteral("  error: %1\n").arg(e.toString()));
-            if (result.value(QStringLiteral("error_count")).toInt() != 0)
-                allGood = false;
-            runs.append(result);
+            for (const bool journal : {true, false}) {
+                if (!journal && size != o.journalCost)
+                    continue;
+                if (!journal)
+                    print(stderr, QStringLiteral("rnw_bench: %1 lines, %2 view, without the journal...\n").arg(size).arg(view));
+                const QJsonObject result = runChild(o, db, size, view, runFolder + (journal ? QString() : QStringLiteral("_nj")), journal);
+                for (const QJsonValue& e : result.value(QStringLiteral("errors")).toArray())
+                    print(stderr, QStringLiteral("  error: %1\n").arg(e.toString()));
+                if (result.value(QStringLiteral("error_count")).toInt() != 0)
+                    allGood = false;
+                runs.append(result);
+            }
         }
     }
     const QJsonObject document{
@@ -339,7 +389,7 @@ int runAll(const Options& o)
         {QStringLiteral("databases"), databases},
         {QStringLiteral("runs"), runs},
     };
-    print(stdout, table(runs));
+    print(stdout, table(runs) + journalCost(runs));
     const QByteArray json = QJsonDocument(document).toJson(QJsonDocument::Indented);
     if (o.json.isEmpty()) {
         print(stdout, QString::fromUtf8(json));

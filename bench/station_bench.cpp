@@ -4,6 +4,7 @@
 #include "demo/demo_database.h"
 #include "host/object_factory.h"
 #include "host/platform.h"
+#include "host/session_journal.h"
 #include "sql/sql_engine.h"
 #include "sql/sql_statement_trace.h"
 #include "sql/text_collation.h"
@@ -11,15 +12,10 @@
 #include "sql_floor.h"
 #include "station/cls_packing_goods.h"
 #include "station/frm_pickig_goods.h"
-#include "station/scan_line_edit.h"
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
-#include <QKeyEvent>
-#include <QLabel>
-#include <QMouseEvent>
-#include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -65,6 +61,18 @@ public:
 
 private:
     std::shared_ptr<Witness> m_w;
+};
+
+// No journal: the station runs as one whose journal another window holds.
+class NoJournal : public ISessionJournal {
+public:
+    bool Claim(const QString&) override { return false; }
+    bool Exists(const QString&) override { return false; }
+    JournalState Read(const QString&) override { return {}; }
+    QString SetAside(const QString&) override { return {}; }
+    void Start(const QString&, const JournalState&) override {}
+    void Commit(const JournalState&) override {}
+    void Remove() override {}
 };
 
 struct OrderUnit {
@@ -172,63 +180,6 @@ Plan makePlan(const BenchOrder& order, const StationBenchConfig& config)
     return plan;
 }
 
-// Executes replay commands on the form the way the launcher's replay does:
-// focus, select, one key event pair per character, Enter; a click is focus,
-// press and release on the control's centre.
-class Stepper {
-public:
-    explicit Stepper(frmPickigGoods* form) : m_form(form) {}
-
-    void execute(const ReplayCommand& c)
-    {
-        if (c.verb == QLatin1String("scan")) {
-            QLineEdit* field = fieldNamed(c.target);
-            if (!field->hasFocus()) {
-                field->setFocus(Qt::OtherFocusReason);
-                QApplication::processEvents();
-            }
-            field->selectAll();
-            for (QChar ch : c.argument) {
-                const int key = ch == QLatin1Char(' ') ? int(Qt::Key_Space) : int(ch.toUpper().unicode());
-                QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(ch));
-                QApplication::sendEvent(field, &press);
-                QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, QString(ch));
-                QApplication::sendEvent(field, &release);
-            }
-            QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
-            QApplication::sendEvent(field, &enter);
-            QKeyEvent enterUp(QEvent::KeyRelease, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
-            QApplication::sendEvent(field, &enterUp);
-        } else if (c.verb == QLatin1String("click")) {
-            QWidget* target = m_form->CmdBtnRePick;
-            if (!target->hasFocus()) {
-                target->setFocus(Qt::MouseFocusReason);
-                QApplication::processEvents();
-            }
-            const QPointF local(target->rect().center());
-            const QPointF global(target->mapToGlobal(target->rect().center()));
-            QMouseEvent press(QEvent::MouseButtonPress, local, global, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(target, &press);
-            QMouseEvent release(QEvent::MouseButtonRelease, local, global, Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
-            QApplication::sendEvent(target, &release);
-        }
-        QApplication::processEvents();
-    }
-
-private:
-    QLineEdit* fieldNamed(const QString& name) const
-    {
-        if (name == QLatin1String("TxtID"))
-            return m_form->TxtID;
-        if (name == QLatin1String("TxtNum"))
-            return m_form->TxtNum;
-        if (name == QLatin1String("TxtEmployee"))
-            return m_form->TxtEmployee;
-        return m_form->TxtItemID;
-    }
-    frmPickigGoods* m_form;
-};
-
 frmPickigGoods* showingStation()
 {
     for (QWidget* widget : QApplication::topLevelWidgets())
@@ -281,7 +232,7 @@ private:
         if (m_errors.size() < kMaxErrorsKept)
             m_errors << what;
     }
-    void check(frmPickigGoods* form, int step, Phase phase);
+    void check(const QJsonObject& state, int step, Phase phase);
 
     const StationBenchConfig& m_config;
     const BenchOrder& m_order;
@@ -330,7 +281,7 @@ int Run::kindOf(const std::vector<SqlTraceStatement>& statements)
     return int(m_kinds.size()) - 1;
 }
 
-void Run::check(frmPickigGoods* form, int step, Phase phase)
+void Run::check(const QJsonObject& state, int step, Phase phase)
 {
     if (m_witness->boxes != m_boxesSeen) {
         m_boxesSeen = m_witness->boxes;
@@ -340,10 +291,11 @@ void Run::check(frmPickigGoods* form, int step, Phase phase)
     if (phase == Phase::Scan) {
         ++m_pickedInCycle;
         const QString expected = QString::number(m_pickedInCycle) + QLatin1Char('/') + total;
-        if (form->lblPickedNum->text() != expected)
-            fail(QStringLiteral("step %1: picked shows %2, expected %3").arg(step).arg(form->lblPickedNum->text(), expected));
+        const QString picked = state.value(QStringLiteral("lblPickedNum")).toString();
+        if (picked != expected)
+            fail(QStringLiteral("step %1: picked shows %2, expected %3").arg(step).arg(picked, expected));
         if (m_pickedInCycle == m_order.units) {
-            if (form->ImgSuccess->isVisibleTo(form))
+            if (state.value(QStringLiteral("ImgSuccess")).toBool())
                 ++m_ordersPassed;
             else
                 fail(QStringLiteral("step %1: the order is complete but not shown as passed").arg(step));
@@ -352,15 +304,19 @@ void Run::check(frmPickigGoods* form, int step, Phase phase)
     }
     // A load: the order's total and nothing picked.
     m_pickedInCycle = 0;
-    if (form->lblOrderNum->text() != total)
-        fail(QStringLiteral("step %1: order total shows %2, expected %3").arg(step).arg(form->lblOrderNum->text(), total));
-    if (form->ImgSuccess->isVisibleTo(form))
+    const QString orderNum = state.value(QStringLiteral("lblOrderNum")).toString();
+    if (orderNum != total)
+        fail(QStringLiteral("step %1: order total shows %2, expected %3").arg(step).arg(orderNum, total));
+    if (state.value(QStringLiteral("ImgSuccess")).toBool())
         fail(QStringLiteral("step %1: a fresh load shows the order as passed").arg(step));
 }
 
 void Run::drive(frmPickigGoods* form, const Plan& plan, bool main)
 {
-    Stepper stepper(form);
+    // The launcher's replay delivers every command; its state line is read
+    // after the clocks have stopped.
+    ReplayDriver driver;
+    driver.attach(form);
     if (main) {
         // Room for every figure up front, so the memory readings see the station only.
         const size_t plannedScans = size_t(m_config.scans) + 2 * size_t(m_order.units);
@@ -387,14 +343,17 @@ void Run::drive(frmPickigGoods* form, const Plan& plan, bool main)
             SqlStatementTrace::setCapturing(true);
         }
         const SqlTraceCounters before = SqlStatementTrace::counters();
+        double ms = 0, cpuMs = 0;
+        SqlTraceCounters sql;
         BenchClock clock;
         ThreadCpuClock cpu;
-        stepper.execute(plan.commands[i]);
-        const double ms = clock.milliseconds();
-        const double cpuMs = cpu.milliseconds();
-        const SqlTraceCounters sql = SqlStatementTrace::counters() - before;
-        if (capture)
-            SqlStatementTrace::setCapturing(false);
+        const QJsonObject state = driver.step(plan.commands[i], [&] {
+            ms = clock.milliseconds();
+            cpuMs = cpu.milliseconds();
+            sql = SqlStatementTrace::counters() - before;
+            if (capture)
+                SqlStatementTrace::setCapturing(false);
+        });
 
         switch (phase) {
         case Phase::FirstLoad:
@@ -436,7 +395,7 @@ void Run::drive(frmPickigGoods* form, const Plan& plan, bool main)
             }
             break;
         }
-        check(form, plan.commands[i].lineNumber, phase);
+        check(state, plan.commands[i].lineNumber, phase);
     }
     if (!main)
         return;
@@ -536,6 +495,7 @@ QJsonObject Run::figures(const QString& databaseFile)
         {QStringLiteral("lines"), m_order.lines},
         {QStringLiteral("units"), m_order.units},
         {QStringLiteral("view"), m_config.gridView ? QStringLiteral("grid") : QStringLiteral("tiles")},
+        {QStringLiteral("journal"), m_config.journal},
         {QStringLiteral("order"), m_config.listedOrder ? QStringLiteral("listed") : QStringLiteral("shuffled")},
         {QStringLiteral("load"), load},
         {QStringLiteral("scan"), scan},
@@ -597,6 +557,8 @@ QJsonObject RunStationBench(const StationBenchConfig& config)
     }
     RegisterServerObject(ProgIds::MessageBox, [witness] { return std::make_shared<CountingMessageBox>(witness); });
     RegisterServerObject(ProgIds::Sound, [witness] { return std::make_shared<CountingSound>(witness); });
+    if (!config.journal)
+        RegisterServerObject(ProgIds::SessionJournal, [] { return std::make_shared<NoJournal>(); });
 
     SqlStatementTrace::setCapturing(false);
     SqlStatementTrace::reset();
@@ -632,6 +594,7 @@ QJsonObject RunStationBench(const StationBenchConfig& config)
     SqlEngine::closeAll();
     RestoreBuiltInServerObjects(ProgIds::MessageBox);
     RestoreBuiltInServerObjects(ProgIds::Sound);
+    RestoreBuiltInServerObjects(ProgIds::SessionJournal);
     if (!drove)
         return failure(QStringLiteral("the station never showed"));
     return run.figures(database);

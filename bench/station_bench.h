@@ -13,6 +13,7 @@ struct StationBenchConfig {
     int lines = 0;
     bool gridView = false;
     bool listedOrder = false;  // scan the lines top to bottom instead of in a shuffled order
+    bool journal = true;       // the session journal, as in production; off to measure its cost
     int scans = 10000;         // scans timed after the first order has passed
     int loads = 5;             // re-pick loads timed after the first load
     int coldSessions = 2;      // sessions before the timed one that only load the order

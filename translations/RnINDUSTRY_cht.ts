@@ -275,5 +275,33 @@
         <source>irAmUS</source>
         <translation>訂單</translation>
     </message>
+    <message>
+        <source>GS1条码中没有数据</source>
+        <translation>GS1條碼中沒有數據</translation>
+    </message>
+    <message>
+        <source>GS1条码中有无法识别的应用标识符</source>
+        <translation>GS1條碼中有無法識別的應用標識符</translation>
+    </message>
+    <message>
+        <source>GS1条码的字段长度不正确</source>
+        <translation>GS1條碼的字段長度不正確</translation>
+    </message>
+    <message>
+        <source>GS1条码的字段含有不允许的字符</source>
+        <translation>GS1條碼的字段含有不允許的字符</translation>
+    </message>
+    <message>
+        <source>GS1条码的校验位不正确</source>
+        <translation>GS1條碼的校驗位不正確</translation>
+    </message>
+    <message>
+        <source>GS1条码的日期不正确</source>
+        <translation>GS1條碼的日期不正確</translation>
+    </message>
+    <message>
+        <source>GS1条码中同一标识符有不同的值</source>
+        <translation>GS1條碼中同一標識符有不同的值</translation>
+    </message>
 </context>
 </TS>

@@ -275,5 +275,33 @@
         <source>irAmUS</source>
         <translation>Order </translation>
     </message>
+    <message>
+        <source>GS1条码中没有数据</source>
+        <translation>The GS1 code holds no data</translation>
+    </message>
+    <message>
+        <source>GS1条码中有无法识别的应用标识符</source>
+        <translation>The GS1 code holds an Application Identifier the station does not know</translation>
+    </message>
+    <message>
+        <source>GS1条码的字段长度不正确</source>
+        <translation>A field of the GS1 code has the wrong length</translation>
+    </message>
+    <message>
+        <source>GS1条码的字段含有不允许的字符</source>
+        <translation>A field of the GS1 code holds a character it may not</translation>
+    </message>
+    <message>
+        <source>GS1条码的校验位不正确</source>
+        <translation>The check digit of the GS1 code is wrong</translation>
+    </message>
+    <message>
+        <source>GS1条码的日期不正确</source>
+        <translation>A date in the GS1 code is no real date</translation>
+    </message>
+    <message>
+        <source>GS1条码中同一标识符有不同的值</source>
+        <translation>The GS1 code gives one Application Identifier two values</translation>
+    </message>
 </context>
 </TS>

@@ -20,6 +20,8 @@
 #include <QTextStream>
 #include <QTimer>
 #include <cstdio>
+#include <iostream>
+#include <string>
 
 namespace {
 
@@ -56,6 +58,24 @@ bool checkDatabase(const QString& props, QString& error)
         error = QString::fromLocal8Bit(e.what());
     }
     return false;
+}
+
+// Live replay: the station opens when the first command arrives, so that a
+// first `answer` answers the question it asks while it opens. False (with the
+// line's number) on a malformed line.
+bool readFirstCommand(QList<ReplayCommand>& commands, int& linesRead, int& badLine, QString& error)
+{
+    std::string raw;
+    while (commands.isEmpty() && std::getline(std::cin, raw)) {
+        ++linesRead;
+        if (!ParseReplayScript(QString::fromStdString(raw), commands, badLine, error)) {
+            badLine = linesRead;
+            return false;
+        }
+        for (ReplayCommand& command : commands)
+            command.lineNumber = linesRead;
+    }
+    return true;
 }
 
 bool readScript(const QString& source, QString& script, QString& error)
@@ -133,7 +153,15 @@ int main(int argc, char** argv)
 
     QString script;
     QList<ReplayCommand> commands;
-    if (!options.replay.isEmpty()) {
+    const bool live = options.replay == QLatin1String("-");
+    int linesRead = 0;
+    if (live) {
+        int badLine = 0;
+        if (!readFirstCommand(commands, linesRead, badLine, error)) {
+            printError(QStringLiteral("line %1: %2").arg(badLine).arg(error));
+            return ExitUsage;
+        }
+    } else if (!options.replay.isEmpty()) {
         if (!readScript(options.replay, script, error)) {
             printError(error);
             return ExitUsage;
@@ -168,11 +196,13 @@ int main(int argc, char** argv)
     std::unique_ptr<ReplayDriver> driver;
     if (!options.replay.isEmpty()) {
         driver = std::make_unique<ReplayDriver>(commands);
+        if (live)
+            driver->readOnFromStandardInput(linesRead);
         driver->install();
         QTimer::singleShot(0, [d = driver.get()] { runWhenShown(d); });
     }
     clsPackingGoods station;
     const int result = station.ShowForm();
     SqlEngine::closeAll();
-    return result;
+    return driver && driver->exitCode() != 0 ? driver->exitCode() : result;
 }

@@ -1,4 +1,7 @@
 #include "app/replay_driver.h"
+#include <iostream>
+#include <string>
+#include "host/employee_picker.h"
 #include "host/object_factory.h"
 #include "host/props_text.h"
 #include "log/log_list.h"
@@ -31,6 +34,10 @@ const QStringList FieldNames{QStringLiteral("TxtID"), QStringLiteral("TxtItemID"
 const QStringList ControlNames{QStringLiteral("chkBarCode"), QStringLiteral("chkHaveSerial"),
                                QStringLiteral("chkShowText"), QStringLiteral("CmdBtnRePick"),
                                QStringLiteral("ChkOnlyError")};
+// What the state line reads besides the fields.
+const QStringList StateNames{QStringLiteral("txtWebshop"), QStringLiteral("lblMessage"), QStringLiteral("lblPickInfo"),
+                             QStringLiteral("lblOrderNum"), QStringLiteral("lblPickedNum"), QStringLiteral("ImgSuccess"),
+                             QStringLiteral("LogList1")};
 
 QString masked(const QString& text)
 {
@@ -242,31 +249,90 @@ void ReplayDriver::install()
     RegisterServerObject(ProgIds::MessageBox, [recorder] { return std::make_shared<RecordingMessageBox>(recorder); });
     RegisterServerObject(ProgIds::Sound, [recorder] { return std::make_shared<RecordingSound>(recorder); });
     RegisterServerObject(ProgIds::EmployeePicker, [] { return std::make_shared<FirstMatchPicker>(); });
+    m_preAnswered = 0;
+    for (const ReplayCommand& command : std::as_const(m_commands)) {
+        if (command.verb != QLatin1String("answer"))
+            break;
+        m_recorder->answers.enqueue(command.target == QLatin1String("yes"));
+        ++m_preAnswered;
+    }
+}
+
+void ReplayDriver::readOnFromStandardInput(int linesRead)
+{
+    m_live = true;
+    m_linesRead = linesRead;
 }
 
 void ReplayDriver::run(frmPickigGoods* form)
 {
-    m_form = form;
+    attach(form);
     if (!m_form)
         return;
-    m_form->activateWindow();
-    QApplication::setActiveWindow(m_form);
-    QApplication::processEvents();
-    int step = 0;
     // What the form showed and played while it opened belongs to the first step.
-    for (const ReplayCommand& command : std::as_const(m_commands)) {
-        ++step;
-        execute(command);
-        QApplication::processEvents();
-        const QByteArray line = QJsonDocument(stateJson(step, command.text)).toJson(QJsonDocument::Compact);
+    const auto runOne = [this](const ReplayCommand& command) {
+        const QByteArray line = QJsonDocument(step(command)).toJson(QJsonDocument::Compact);
         std::fwrite(line.constData(), 1, size_t(line.size()), stdout);
         std::fputc('\n', stdout);
         std::fflush(stdout);
-        m_recorder->voices.clear();
-        m_recorder->boxes = QJsonArray();
+    };
+    for (const ReplayCommand& command : std::as_const(m_commands))
+        runOne(command);
+    // Live: each line as it comes, its state line at once, until the input ends.
+    std::string raw;
+    while (m_live && std::getline(std::cin, raw)) {
+        ++m_linesRead;
+        QList<ReplayCommand> parsed;
+        int badLine = 0;
+        QString reason;
+        if (!ParseReplayScript(QString::fromStdString(raw), parsed, badLine, reason)) {
+            const QByteArray error = QStringLiteral("line %1: %2\n").arg(m_linesRead).arg(reason).toUtf8();
+            std::fwrite(error.constData(), 1, size_t(error.size()), stderr);
+            m_exitCode = 2;
+            break;
+        }
+        for (ReplayCommand& command : parsed) {
+            command.lineNumber = m_linesRead;
+            runOne(command);
+        }
     }
     if (m_form && !m_closed)
         m_form->closeWithoutAsking();
+}
+
+void ReplayDriver::attach(frmPickigGoods* form)
+{
+    m_form = form;
+    m_step = 0;
+    m_closed = false;
+    m_controls.clear();
+    if (!m_form)
+        return;
+    for (const QStringList& names : {FieldNames, ControlNames, StateNames}) {
+        for (const QString& name : names)
+            m_controls.insert(name, m_form->findChild<QWidget*>(name));
+    }
+    m_form->activateWindow();
+    QApplication::setActiveWindow(m_form);
+    QApplication::processEvents();
+}
+
+QJsonObject ReplayDriver::step(const ReplayCommand& command, const std::function<void()>& idle)
+{
+    ++m_step;
+    execute(command);
+    QApplication::processEvents();
+    if (idle)
+        idle();
+    const QJsonObject state = stateJson(m_step, command.text);
+    m_recorder->voices.clear();
+    m_recorder->boxes = QJsonArray();
+    return state;
+}
+
+bool ReplayDriver::closed() const
+{
+    return m_closed || !m_form || !m_form->isVisible();
 }
 
 void ReplayDriver::execute(const ReplayCommand& command)
@@ -296,7 +362,11 @@ void ReplayDriver::execute(const ReplayCommand& command)
             point = QPoint(qMin(8, target->width() / 2), target->height() / 2);
         clickAt(target, point);
     } else if (verb == QLatin1String("answer")) {
-        m_recorder->answers.enqueue(command.target == QLatin1String("yes"));
+        // The leading answers were queued before the station opened.
+        if (m_preAnswered > 0)
+            --m_preAnswered;
+        else
+            m_recorder->answers.enqueue(command.target == QLatin1String("yes"));
     } else if (verb == QLatin1String("close")) {
         m_closed = m_form->close();
     }
@@ -304,28 +374,24 @@ void ReplayDriver::execute(const ReplayCommand& command)
 
 QWidget* ReplayDriver::field(const QString& name) const
 {
-    if (name == QLatin1String("TxtID"))
-        return m_form->TxtID;
-    if (name == QLatin1String("TxtItemID"))
-        return m_form->TxtItemID;
-    if (name == QLatin1String("TxtNum"))
-        return m_form->TxtNum;
-    return m_form->TxtEmployee;
+    // The parser lets only field names through; anything else is the picker's field.
+    const QString known = FieldNames.contains(name) ? name : QStringLiteral("TxtEmployee");
+    return m_controls.value(known);
 }
 
 QWidget* ReplayDriver::control(const QString& name) const
 {
-    if (FieldNames.contains(name))
-        return field(name);
-    if (name == QLatin1String("chkBarCode"))
-        return m_form->chkBarCode;
-    if (name == QLatin1String("chkHaveSerial"))
-        return m_form->chkHaveSerial;
-    if (name == QLatin1String("chkShowText"))
-        return m_form->chkShowText;
-    if (name == QLatin1String("CmdBtnRePick"))
-        return m_form->CmdBtnRePick;
-    return m_form->LogList1->findChild<QWidget*>(name);
+    return m_controls.value(name);
+}
+
+QString ReplayDriver::textOf(const QString& name) const
+{
+    QWidget* widget = m_controls.value(name);
+    if (auto* edit = qobject_cast<QLineEdit*>(widget))
+        return edit->text();
+    if (auto* label = qobject_cast<QLabel*>(widget))
+        return label->text();
+    return QString();
 }
 
 void ReplayDriver::focusField(QWidget* widget)
@@ -372,16 +438,14 @@ QJsonObject ReplayDriver::stateJson(int step, const QString& command) const
     if (!m_form)
         return state;
     const frmPickigGoods& f = *m_form;
-    state.insert(QStringLiteral("TxtID"), masked(f.TxtID->text()));
-    state.insert(QStringLiteral("TxtItemID"), masked(f.TxtItemID->text()));
-    state.insert(QStringLiteral("TxtNum"), masked(f.TxtNum->text()));
-    state.insert(QStringLiteral("TxtEmployee"), masked(f.TxtEmployee->text()));
-    state.insert(QStringLiteral("txtWebshop"), masked(f.txtWebshop->text()));
-    state.insert(QStringLiteral("lblMessage"), masked(f.lblMessage->text()));
-    state.insert(QStringLiteral("lblPickInfo"), masked(f.lblPickInfo->text()));
-    state.insert(QStringLiteral("lblOrderNum"), f.lblOrderNum->text());
-    state.insert(QStringLiteral("lblPickedNum"), f.lblPickedNum->text());
-    state.insert(QStringLiteral("ImgSuccess"), f.ImgSuccess->isVisibleTo(m_form.data()));
+    for (const char* name : {"TxtID", "TxtItemID", "TxtNum", "TxtEmployee", "txtWebshop", "lblMessage", "lblPickInfo"}) {
+        const QString key = QString::fromLatin1(name);
+        state.insert(key, masked(textOf(key)));
+    }
+    state.insert(QStringLiteral("lblOrderNum"), textOf(QStringLiteral("lblOrderNum")));
+    state.insert(QStringLiteral("lblPickedNum"), textOf(QStringLiteral("lblPickedNum")));
+    const QWidget* stamp = m_controls.value(QStringLiteral("ImgSuccess"));
+    state.insert(QStringLiteral("ImgSuccess"), stamp && stamp->isVisibleTo(m_form.data()));
     state.insert(QStringLiteral("closed"), m_closed || !f.isVisible());
     state.insert(QStringLiteral("view"), f.IsGridView() ? QStringLiteral("grid") : QStringLiteral("tiles"));
 
@@ -400,8 +464,9 @@ QJsonObject ReplayDriver::stateJson(int step, const QString& command) const
     }
     state.insert(QStringLiteral("lines"), lines);
     QJsonArray log;
-    for (const QString& row : f.LogList1->allRowTexts())
-        log.append(masked(row));
+    if (const auto* pane = qobject_cast<const LogList*>(m_controls.value(QStringLiteral("LogList1")).data()))
+        for (const QString& row : pane->allRowTexts())
+            log.append(masked(row));
     state.insert(QStringLiteral("log"), log);
     state.insert(QStringLiteral("voice"), QJsonArray::fromStringList(m_recorder->voices));
     state.insert(QStringLiteral("boxes"), m_recorder->boxes);

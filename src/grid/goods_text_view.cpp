@@ -231,10 +231,10 @@ void GoodsTextView::setUpGrid()
 {
     m_grid->setVerticalHeader(new RowNumberHeader(Qt::Vertical, m_grid));
     // The columns are fixed in twips, the font is not: each font is the
-    // largest, up to kDataPointSize, whose text shows whole in its column
-    // with the cell's margins. The data font is sized to a 13-digit barcode;
-    // the counts keep a font of their own, large and bold, for four digits.
-    // A cell draws its text inside the column less the grid line and a margin on either side.
+    // largest, up to kDataPointSize, whose text shows whole in its column (a
+    // cell draws inside the column less the grid line and a margin on either
+    // side). The data font is sized to a 13-digit barcode; the counts keep a
+    // font of their own, large and bold, for four digits.
     const int cellMargins = 2 * (m_grid->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, m_grid) + 1) + 1;
     const auto fitted = [cellMargins](QFont font, const QString& text, int columnTwips) {
         font.setPointSizeF(kDataPointSize);

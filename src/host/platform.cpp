@@ -94,3 +94,13 @@ double dpiScale()
 
 int TwipsToPixels(int twips) { return qRound(twips / 15.0 * dpiScale()); }
 int PixelsToTwips(int pixels) { return qRound(pixels * 15.0 / dpiScale()); }
+
+QString TrimBlanks(const QString& text)
+{
+    qsizetype start = 0, end = text.size();
+    while (start < end && text.at(start) == QLatin1Char(' '))
+        ++start;
+    while (end > start && text.at(end - 1) == QLatin1Char(' '))
+        --end;
+    return text.mid(start, end - start);
+}

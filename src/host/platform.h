@@ -1,6 +1,7 @@
 #pragma once
 // Small platform services the component relies on: its own folder, the
-// process id, the numeric test of the classic runtime and the twips scale.
+// process id, the numeric test and the Trim of the classic runtime and the
+// twips scale.
 #include <QString>
 
 // The component's folder (the folder of the loaded library), with a trailing '/'.
@@ -21,6 +22,9 @@ qint64 CurrentProcessId();
 // at least one digit is needed in front of the exponent. Empty or blank text,
 // letters, thousands separators and hexadecimal forms are refused.
 bool IsNumeric(const QString& text);
+
+// The classic Trim: blanks (spaces) only; tabs and line breaks are text.
+QString TrimBlanks(const QString& text);
 
 // Twips to device pixels: 15 twips per pixel at 96 dpi, scaled by the screen's
 // logical dpi.

@@ -1,21 +1,6 @@
 #include "host/props_text.h"
+#include "host/platform.h"
 #include <QRegularExpression>
-
-namespace {
-
-// Keys and values lose their blanks, nothing else: a tab or a line break
-// belongs to the text ("\tUserID" is not UserID).
-QString trimBlanks(const QString& text)
-{
-    qsizetype start = 0, end = text.size();
-    while (start < end && text.at(start) == QLatin1Char(' '))
-        ++start;
-    while (end > start && text.at(end - 1) == QLatin1Char(' '))
-        --end;
-    return text.mid(start, end - start);
-}
-
-} // namespace
 
 QList<QPair<QString, QString>> SplitPropsText(const QString& text)
 {
@@ -31,10 +16,11 @@ QList<QPair<QString, QString>> SplitPropsText(const QString& text)
             key = rest.left(eq);
             rest = rest.mid(eq + 1);
         }
-        key = trimBlanks(key);
+        // Blanks only: a tab or a line break belongs to the text ("\tUserID" is not UserID).
+        key = TrimBlanks(key);
 
         QString value;
-        rest = trimBlanks(rest);
+        rest = TrimBlanks(rest);
         if (rest.startsWith(QLatin1Char('{'))) {
             rest = rest.mid(1);
             const int close = rest.indexOf(QLatin1Char('}'));
@@ -57,7 +43,7 @@ QList<QPair<QString, QString>> SplitPropsText(const QString& text)
                 rest = rest.mid(semi + 1);
             }
         }
-        value = trimBlanks(value);
+        value = TrimBlanks(value);
 
         if (key.isEmpty())
             break;

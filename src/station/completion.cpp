@@ -1,5 +1,6 @@
 // Completion and saving: the order on the station has passed verification.
 #include "station/frm_pickig_goods.h"
+#include "ui_frm_pickig_goods.h"
 #include "host/error_reporter.h"
 #include "host/host_error.h"
 #include "host/object_factory.h"
@@ -14,18 +15,18 @@ void frmPickigGoods::OrderPassed(bool playSuccessPrompt)
 {
     if (playSuccessPrompt)
         PlayVoice(QStringLiteral("\\voice\\Succes.wav"));
-    ImgSuccess->setVisible(true);
+    ui->ImgSuccess->setVisible(true);
     WriteVerdict(3);
     // A failure here ends the scan before the status is saved: the order then
     // stays unverified on the server and can be verified again.
-    if (chkHaveSerial->isChecked())
+    if (ui->chkHaveSerial->isChecked())
         StoreSerialRows();
     // An order the server does not hold as verified is never sent for
     // delivery; it stays passed here, and a later pass or a re-pick saves again.
-    if (!SavePickingStatus(CurrentOrderCode, true))
+    if (!SavePickingStatus(m_state.CurrentOrderCode(), true))
         return;
     if (m_DeliverOnPick)
-        UpdateDelivery(CurrentOrderCode);
+        UpdateDelivery(m_state.CurrentOrderCode());
 }
 
 void frmPickigGoods::StoreSerialRows()

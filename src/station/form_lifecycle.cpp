@@ -1,6 +1,5 @@
 // The station's life: the picker, the options kept per user, the company
 // settings, the option clicks, and the close with its question.
-#include "grid/goods_text_view.h"
 #include "host/error_reporter.h"
 #include "host/object_factory.h"
 #include "log/log_list.h"
@@ -9,9 +8,10 @@
 #include "session/language.h"
 #include "session/variant_convert.h"
 #include "station/frm_pickig_goods.h"
+#include "ui_frm_pickig_goods.h"
+#include "station/active_view.h"
 #include "station/scan_line_edit.h"
 #include "station/station_sql.h"
-#include "tiles/goods_list_view.h"
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QLabel>
@@ -41,8 +41,8 @@ bool optionChecked(const GoodsRecord& record, const QString& key, bool defaultVa
     }
 }
 
-// A stored option that is the box's value: 0, 1 or 2 as a number; anything
-// else keeps the default.
+// A stored option that is the box's value, read as a whole number ("1.0"
+// is 1); text that is no number keeps the default.
 int optionValue(const GoodsRecord& record, const QString& key, int defaultValue)
 {
     const QVariant value = storedOption(record, key);
@@ -80,33 +80,34 @@ void guarded(QWidget* form, Work work)
 
 void frmPickigGoods::LoadEmployee()
 {
-    TxtEmployee->setText(QString());
-    m_EmployeeTag = QString();
+    ui->TxtEmployee->setText(QString());
+    // The Tag of TxtEmployee holds the picker's employee item id.
+    ui->TxtEmployee->setProperty("Tag", QString());
     guarded(this, [this] {
         auto data = CreateServerObjectAs<IGetData>(ProgIds::GetData);
         RecordsetPtr rs = data->ExecuteSQL(GetPropsString(), EmployeeSql(GetUserID()));
         if (!rs || rs->RecordCount() < 1)
             return;
-        TxtEmployee->setText(rs->Fields(QStringLiteral("FName")).toString());
-        m_EmployeeTag = rs->Fields(QStringLiteral("FItemID"));
+        ui->TxtEmployee->setText(rs->Fields(QStringLiteral("FName")).toString());
+        ui->TxtEmployee->setProperty("Tag", rs->Fields(QStringLiteral("FItemID")));
     });
 }
 
 void frmPickigGoods::LoadOptions()
 {
-    chkBarCode->setChecked(true);
-    chkHaveSerial->setChecked(false);
-    chkShowText->setCheckState(Qt::Unchecked);
+    ui->chkBarCode->setChecked(true);
+    ui->chkHaveSerial->setChecked(false);
+    ui->chkShowText->setCheckState(Qt::Unchecked);
     guarded(this, [this] {
         auto profile = CreateServerObjectAs<IUserProfile>(ProgIds::UserProfile);
         const GoodsRecord barCode = profile->LoadUserProfile(GetPropsString(), ProfileCategory, BarCodeProfileKey);
-        chkBarCode->setChecked(optionChecked(barCode, QStringLiteral("chkBarCode"), true));
+        ui->chkBarCode->setChecked(optionChecked(barCode, QStringLiteral("chkBarCode"), true));
         const GoodsRecord showText = profile->LoadUserProfile(GetPropsString(), ProfileCategory, ShowTextProfileKey);
-        chkHaveSerial->setChecked(optionChecked(showText, QStringLiteral("chkHaveSerial"), false));
+        ui->chkHaveSerial->setChecked(optionChecked(showText, QStringLiteral("chkHaveSerial"), false));
         // The stored number is the box's value: 2 is the grey state of a check box.
         const int showTextValue = optionValue(showText, QStringLiteral("chkShowText"), 0);
-        chkShowText->setTristate(showTextValue == 2);
-        chkShowText->setCheckState(showTextValue == 2 ? Qt::PartiallyChecked
+        ui->chkShowText->setTristate(showTextValue == 2);
+        ui->chkShowText->setCheckState(showTextValue == 2 ? Qt::PartiallyChecked
                                    : showTextValue == 1 ? Qt::Checked : Qt::Unchecked);
     });
     guarded(this, [this] {
@@ -123,13 +124,13 @@ void frmPickigGoods::SaveOptions()
     guarded(this, [this] {
         auto profile = CreateServerObjectAs<IUserProfile>(ProgIds::UserProfile);
         GoodsRecord barCode;
-        barCode.SetValue(QStringLiteral("chkBarCode"), chkBarCode->isChecked() ? 1 : 0);
+        barCode.SetValue(QStringLiteral("chkBarCode"), ui->chkBarCode->isChecked() ? 1 : 0);
         profile->SaveUserProfile(GetPropsString(), ProfileCategory, BarCodeProfileKey, barCode);
         GoodsRecord showText;
         // The box's value as the profile keeps it: 0 unchecked, 1 checked, 2 grey.
-        const Qt::CheckState state = chkShowText->checkState();
+        const Qt::CheckState state = ui->chkShowText->checkState();
         showText.SetValue(QStringLiteral("chkShowText"), state == Qt::Checked ? 1 : state == Qt::PartiallyChecked ? 2 : 0);
-        showText.SetValue(QStringLiteral("chkHaveSerial"), chkHaveSerial->isChecked() ? 1 : 0);
+        showText.SetValue(QStringLiteral("chkHaveSerial"), ui->chkHaveSerial->isChecked() ? 1 : 0);
         profile->SaveUserProfile(GetPropsString(), ProfileCategory, ShowTextProfileKey, showText);
     });
 }
@@ -142,39 +143,28 @@ void frmPickigGoods::chkHaveSerial_Click()
 
 void frmPickigGoods::chkShowText_Click()
 {
-    guarded(this, [this] {
-        if (IsGridView()) {
-            GoodsListView->hide();
-            GoodsListView->ClearGoodsNew();
-            GoodsTextView->show();
-            GoodsTextView->LoadPickingGoods();
-            GoodsTextView->resize(PiclistBack->size());
-        } else {
-            GoodsListView->show();
-            GoodsListView->LoadPickingGoods();
-            GoodsTextView->hide();
-            GoodsTextView->ClearGoods();
-        }
-    });
+    const JournalCommit commit{*this};
+    guarded(this, [this] { activeView().switchTo(ui->PiclistBack->size()); });
 }
 
 void frmPickigGoods::TxtEmployee_PickEmployee()
 {
+    const JournalCommit commit{*this};
     guarded(this, [this] {
         auto picker = CreateServerObjectAs<IEmployeePicker>(ProgIds::EmployeePicker);
-        const EmployeePickResult result = picker->Pick(this, GetPropsString(), TxtEmployee->text());
+        const EmployeePickResult result = picker->Pick(this, GetPropsString(), ui->TxtEmployee->text());
         if (result.ReturnOK && result.ReturnObject.Detail) {
-            TxtEmployee->setText(result.ReturnObject.Name);
-            m_EmployeeTag = result.ReturnObject.Itemid;
+            ui->TxtEmployee->setText(result.ReturnObject.Name);
+            ui->TxtEmployee->setProperty("Tag", result.ReturnObject.Itemid);
         }
     });
 }
 
 void frmPickigGoods::LogList1_FilterChanged()
 {
+    const JournalCommit commit{*this};
     guarded(this, [this] {
-        if (!SessionOrderLog.isNone() && SessionOrderLog.Count() >= 1)
-            LogList1->LoadLogList(SessionOrderLog);
+        reloadLogPane();
     });
 }
 
@@ -182,24 +172,24 @@ bool frmPickigGoods::QueryUnload()
 {
     bool passed = true;
     guarded(this, [&] { passed = LogLeavingVerdict(); });
-    if (!HasGoodsLines() || passed || CurrentOrderCode == QLatin1String("+"))
+    if (!HasGoodsLines() || passed || m_state.CurrentOrderCode() == PickingState::NoOrderMark)
         return true;
 
     int answer = MsgBox::No;
     bool asked = false;
     guarded(this, [&] {
-        const QString prompt = LoadResKey(QStringLiteral("irAmUS")) + CurrentOrderCode
+        const QString prompt = LoadResKey(QStringLiteral("irAmUS")) + m_state.CurrentOrderCode()
             + LoadString(QStringLiteral("未通过，是否继续校验?"));
         answer = ShowMessageBox(prompt, MsgBox::YesNo | MsgBox::Question, VeltoTitle);
         asked = true;
     });
     if (asked && answer == MsgBox::Yes) {
         // Go on checking that order: it comes back from the session log.
-        TxtID->setText(CurrentOrderCode);
+        ui->TxtID->setText(m_state.CurrentOrderCode());
         TxtID_Enter();
         return false;
     }
-    m_ArgList = RecordList::none();
+    m_state.releaseArgumentList();
     return true;
 }
 
@@ -229,8 +219,8 @@ void frmPickigGoods::unload()
 {
     m_unloaded = true;
     SaveOptions();
-    SessionOrderLog = RecordList::none();
-    m_ArgList = RecordList::none();
+    closeJournal();
+    m_state.release();
     // The module-wide order state ends with the station.
     guarded(this, [] { ResetSessionState(); });
 }

@@ -1,6 +1,9 @@
-// The station form: its controls, their look, and the small helpers that
-// every handler file of the form shares.
+// The station form: its controls from the .ui file, what code adds to their
+// look, and the small helpers that every handler file of the form shares.
 #include "station/frm_pickig_goods.h"
+#include "host/session_journal.h"
+#include "ui_frm_pickig_goods.h"
+#include "station/active_view.h"
 #include "grid/goods_text_view.h"
 #include "host/error_reporter.h"
 #include "host/object_factory.h"
@@ -14,16 +17,12 @@
 #include "tiles/goods_list_view.h"
 #include <QCheckBox>
 #include <QEvent>
-#include <QFrame>
-#include <QGridLayout>
-#include <QHBoxLayout>
+#include <QFile>
 #include <QLabel>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPushButton>
 #include <QResizeEvent>
 #include <QTimer>
-#include <QVBoxLayout>
 
 namespace {
 
@@ -61,55 +60,34 @@ QPixmap drawPassStamp(qreal ratio)
     return pixmap;
 }
 
-QLabel* makeLabel(QWidget* parent, const QString& name, const QString& text = QString())
+// The look of the frames and fields, kept beside the form as a style sheet.
+QString stationLook()
 {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    return label;
-}
-
-ScanLineEdit* makeScanField(QWidget* parent, const QString& name)
-{
-    auto* field = new ScanLineEdit(parent);
-    field->setObjectName(name);
-    return field;
-}
-
-void setPointSize(QWidget* widget, qreal points, bool bold = false)
-{
-    QFont font = widget->font();
-    font.setPointSizeF(points);
-    font.setBold(bold);
-    widget->setFont(font);
+    QFile file(QStringLiteral(":/rnw/station/frm_pickig_goods.qss"));
+    return file.open(QIODevice::ReadOnly | QIODevice::Text) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 } // namespace
 
-frmPickigGoods::frmPickigGoods(QWidget* parent) : QDialog(parent)
+frmPickigGoods::frmPickigGoods(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui::frmPickigGoods>())
 {
-    setObjectName(QStringLiteral("frmPickigGoods"));
-    setWindowTitle(QStringLiteral("拣货校验"));
+    ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowFlag(Qt::WindowMaximizeButtonHint, true);
     setWindowFlag(Qt::WindowMinimizeButtonHint, true);
-    buildControls();
+    Timer_AutoClear = new QTimer(this);
+    Timer_AutoClear->setObjectName(QStringLiteral("Timer_AutoClear"));
     applyLook();
     connectHandlers();
 
-    // Creation: the lists, the state, the labels, the picker.
-    SessionOrderLog = RecordList();
-    m_ArgList = RecordList();
-    SessionOrderKeys = GoodsRecord();
-    m_ArgRecord = GoodsRecord();
-    CurrentOrderCode = QString();
-    m_PickedNum = m_MissingNum = m_ExcessNum = m_ErrorNum = 0;
-    lblMessage->setText(QString());
-    lblPickedNum->setText(QStringLiteral("0/"));
-    lblOrderNum->setText(QStringLiteral("0"));
-    lblProgress->resize(0, lblProgress->height());
-    TxtNum->setText(QStringLiteral("1"));
-    lblPickInfo->setText(QString());
-    ImgSuccess->hide();
+    // Creation: the lists and the state are new with m_state; the labels, the picker.
+    ui->lblMessage->setText(QString());
+    ui->lblPickedNum->setText(QStringLiteral("0/"));
+    ui->lblOrderNum->setText(QStringLiteral("0"));
+    ui->lblProgress->resize(0, ui->lblProgress->height());
+    ui->TxtNum->setText(QStringLiteral("1"));
+    ui->lblPickInfo->setText(QString());
+    ui->ImgSuccess->hide();
     try {
         // The session may have changed since the component was last used.
         ParsePropsString(GetPropsString());
@@ -123,232 +101,58 @@ frmPickigGoods::frmPickigGoods(QWidget* parent) : QDialog(parent)
     // Load: fonts, options, company settings.
     SetFrmFont(this);
     LoadOptions();
+    // A session that died is offered back before the worker scans.
+    openJournal();
 }
 
 frmPickigGoods::~frmPickigGoods() = default;
 
-void frmPickigGoods::buildControls()
-{
-    resize(1360, 860);
-    auto* outer = new QVBoxLayout(this);
-    outer->setContentsMargins(10, 8, 10, 8);
-    outer->setSpacing(8);
-
-    // Header band: who picks, which order, which goods, how many.
-    fraMain = new QFrame(this);
-    fraMain->setObjectName(QStringLiteral("fraMain"));
-    auto* header = new QGridLayout(fraMain);
-    header->setContentsMargins(12, 8, 12, 8);
-    header->setHorizontalSpacing(10);
-    header->setVerticalSpacing(6);
-    LblEmployee = makeLabel(fraMain, QStringLiteral("LblEmployee"), QStringLiteral("拣货人"));
-    TxtEmployee = makeScanField(fraMain, QStringLiteral("TxtEmployee"));
-    TxtEmployee->setToolTip(QStringLiteral("双击或按 F7 选择拣货人"));
-    LblID = makeLabel(fraMain, QStringLiteral("LblID"), QStringLiteral("物流单号/唯一码"));
-    TxtID = makeScanField(fraMain, QStringLiteral("TxtID"));
-    LblItemID = makeLabel(fraMain, QStringLiteral("LblItemID"), QStringLiteral("商品条码/序列号"));
-    TxtItemID = makeScanField(fraMain, QStringLiteral("TxtItemID"));
-    lblNum = makeLabel(fraMain, QStringLiteral("lblNum"), QStringLiteral("数量"));
-    TxtNum = makeScanField(fraMain, QStringLiteral("TxtNum"));
-    txtWebshop = new QLineEdit(fraMain);
-    txtWebshop->setObjectName(QStringLiteral("txtWebshop"));
-    txtWebshop->setReadOnly(true);
-    txtWebshop->setFocusPolicy(Qt::NoFocus);
-    txtWebshop->setPlaceholderText(QStringLiteral("网店"));
-    chkBarCode = new QCheckBox(QStringLiteral("只校验有条码的商品"), fraMain);
-    chkBarCode->setObjectName(QStringLiteral("chkBarCode"));
-    chkHaveSerial = new QCheckBox(QStringLiteral("扫描序列号"), fraMain);
-    chkHaveSerial->setObjectName(QStringLiteral("chkHaveSerial"));
-    chkShowText = new QCheckBox(QStringLiteral("列表显示"), fraMain);
-    chkShowText->setObjectName(QStringLiteral("chkShowText"));
-    CmdBtnRePick = new QPushButton(QStringLiteral("重新拣货"), fraMain);
-    CmdBtnRePick->setObjectName(QStringLiteral("CmdBtnRePick"));
-    CmdBtnRePick->setAutoDefault(false);
-    CmdBtnRePick->setFocusPolicy(Qt::NoFocus);
-
-    header->addWidget(LblID, 0, 0);
-    header->addWidget(TxtID, 0, 1);
-    header->addWidget(LblItemID, 0, 2);
-    header->addWidget(TxtItemID, 0, 3);
-    header->addWidget(lblNum, 0, 4);
-    header->addWidget(TxtNum, 0, 5);
-    header->addWidget(LblEmployee, 1, 0);
-    header->addWidget(TxtEmployee, 1, 1);
-    auto* options = new QHBoxLayout;
-    options->setSpacing(18);
-    options->addWidget(txtWebshop, 2);
-    options->addWidget(chkBarCode);
-    options->addWidget(chkHaveSerial);
-    options->addWidget(chkShowText);
-    options->addStretch(1);
-    options->addWidget(CmdBtnRePick);
-    header->addLayout(options, 1, 2, 1, 4);
-    header->setColumnStretch(1, 5);
-    header->setColumnStretch(3, 5);
-    header->setColumnStretch(5, 1);
-    outer->addWidget(fraMain);
-
-    // Count band: order total, picked/total, progress, verdict and message.
-    PicBack = new QFrame(this);
-    PicBack->setObjectName(QStringLiteral("PicBack"));
-    auto* counts = new QGridLayout(PicBack);
-    counts->setContentsMargins(14, 6, 14, 8);
-    counts->setHorizontalSpacing(16);
-    counts->setVerticalSpacing(2);
-    Label1 = makeLabel(PicBack, QStringLiteral("Label1"), QStringLiteral("订单数量"));
-    lblOrderNum = makeLabel(PicBack, QStringLiteral("lblOrderNum"));
-    auto* pickedCaption = makeLabel(PicBack, QStringLiteral("lblPickedCaption"), QStringLiteral("已拣/合计"));
-    lblPickedNum = makeLabel(PicBack, QStringLiteral("lblPickedNum"));
-    LblProgressbar = makeLabel(PicBack, QStringLiteral("LblProgressbar"));
-    LblProgressbar->setMinimumHeight(30);
-    LblProgressbar->setMaximumHeight(30);
-    lblProgress = makeLabel(LblProgressbar, QStringLiteral("lblProgress"));
-    lblProgress->setGeometry(0, 0, 0, 30);
-    lblPickInfo = makeLabel(PicBack, QStringLiteral("lblPickInfo"));
-    lblMessage = makeLabel(PicBack, QStringLiteral("lblMessage"));
-    lblMessage->setWordWrap(true);
-    for (QLabel* label : {Label1, pickedCaption})
-        label->setAlignment(Qt::AlignLeft | Qt::AlignBottom);
-    lblOrderNum->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    lblPickedNum->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    lblOrderNum->setMinimumWidth(150);
-    lblPickedNum->setMinimumWidth(240);
-    counts->addWidget(Label1, 0, 0);
-    counts->addWidget(pickedCaption, 0, 1);
-    counts->addWidget(lblOrderNum, 1, 0, 2, 1);
-    counts->addWidget(lblPickedNum, 1, 1, 2, 1);
-    counts->addWidget(lblPickInfo, 0, 2);
-    counts->addWidget(lblMessage, 1, 2);
-    counts->addWidget(LblProgressbar, 2, 2);
-    counts->setColumnStretch(2, 1);
-    outer->addWidget(PicBack);
-
-    // Work area: the goods (tiles or grid) take the room; the goods in hand
-    // and the log sit beside them.
-    auto* work = new QHBoxLayout;
-    work->setSpacing(8);
-    PiclistBack = new QFrame(this);
-    PiclistBack->setObjectName(QStringLiteral("PiclistBack"));
-    auto* viewArea = new QGridLayout(PiclistBack);
-    viewArea->setContentsMargins(2, 2, 2, 2);
-    GoodsListView = new ::GoodsListView(PiclistBack);
-    GoodsListView->setObjectName(QStringLiteral("GoodsListView"));
-    GoodsTextView = new ::GoodsTextView(PiclistBack);
-    GoodsTextView->setObjectName(QStringLiteral("GoodsTextView"));
-    viewArea->addWidget(GoodsListView, 0, 0);
-    viewArea->addWidget(GoodsTextView, 0, 0);
-    GoodsTextView->hide();
-    ImgSuccess = makeLabel(PiclistBack, QStringLiteral("ImgSuccess"));
-    ImgSuccess->setAttribute(Qt::WA_TransparentForMouseEvents);
-    ImgSuccess->setPixmap(drawPassStamp(devicePixelRatioF()));
-    ImgSuccess->setFixedSize(StampWidth, StampHeight);
-    ImgSuccess->setToolTip(QStringLiteral("通过"));
-    // The goods take three quarters of the width, the side column the rest.
-    work->addWidget(PiclistBack, 3);
-
-    auto* side = new QVBoxLayout;
-    side->setSpacing(8);
-    GoodsBigView = new ::GoodsBigView(this);
-    GoodsBigView->setObjectName(QStringLiteral("GoodsBigView"));
-    GoodsBigView->setMinimumWidth(TwipsToPixels(::GoodsBigView::MinimumWidth));
-    LogList1 = new ::LogList(this);
-    LogList1->setObjectName(QStringLiteral("LogList1"));
-    // The log keeps its page of seven rows; the goods in hand take the rest.
-    side->addWidget(GoodsBigView, 3);
-    side->addWidget(LogList1, 2);
-    work->addLayout(side, 1);
-    outer->addLayout(work, 1);
-
-    // The default goods picture, kept for the views.
-    ImgDefault = makeLabel(this, QStringLiteral("ImgDefault"));
-    ImgDefault->setPixmap(QPixmap(ComponentPath(QStringLiteral("\\images\\default.jpg"))));
-    ImgDefault->hide();
-
-    Timer_AutoClear = new QTimer(this);
-    Timer_AutoClear->setObjectName(QStringLiteral("Timer_AutoClear"));
-
-    // TxtEmployee first in the tab order.
-    setTabOrder(TxtEmployee, TxtID);
-    setTabOrder(TxtID, TxtItemID);
-    setTabOrder(TxtItemID, TxtNum);
-    setTabOrder(TxtNum, chkBarCode);
-    setTabOrder(chkBarCode, chkHaveSerial);
-    setTabOrder(chkHaveSerial, chkShowText);
-
-    LblProgressbar->installEventFilter(this);
-    PiclistBack->installEventFilter(this);
-}
-
 void frmPickigGoods::applyLook()
 {
-    setPointSize(this, 11);
-    for (ScanLineEdit* field : {TxtID, TxtItemID})
-        setPointSize(field, 20, true);
-    setPointSize(TxtNum, 20, true);
-    setPointSize(TxtEmployee, 13);
-    setPointSize(txtWebshop, 13);
-    for (QLabel* label : {LblID, LblItemID, lblNum, LblEmployee})
-        setPointSize(label, 13);
-    TxtID->setMinimumHeight(48);
-    TxtItemID->setMinimumHeight(48);
-    TxtNum->setMinimumHeight(48);
-    TxtNum->setMaximumWidth(110);
-    TxtNum->setAlignment(Qt::AlignCenter);
-    setPointSize(Label1, 12);
-    setPointSize(findChild<QLabel*>(QStringLiteral("lblPickedCaption")), 12);
-    setPointSize(lblOrderNum, 44, true);
-    setPointSize(lblPickedNum, 44, true);
-    setPointSize(lblPickInfo, 22, true);
-    setPointSize(lblMessage, 18, true);
+    setStyleSheet(stationLook());
+    // The pass stamp lies on the goods, clicks pass through it to the tiles.
+    ui->ImgSuccess->setAttribute(Qt::WA_TransparentForMouseEvents);
+    ui->ImgSuccess->setPixmap(drawPassStamp(devicePixelRatioF()));
+    ui->ImgSuccess->setFixedSize(StampWidth, StampHeight);
+    ui->ImgSuccess->raise();
+    // The enlarged tile is as wide as the system sizes it, in twips.
+    ui->GoodsBigView->setMinimumWidth(TwipsToPixels(::GoodsBigView::MinimumWidth));
+    // The default goods picture, kept for the views.
+    ui->ImgDefault->setPixmap(QPixmap(ComponentPath(QStringLiteral("\\images\\default.jpg"))));
 
-    fraMain->setStyleSheet(QStringLiteral(
-        "#fraMain { background: #eef2f7; border: 1px solid #c5cfdb; border-radius: 6px; }"
-        "ScanLineEdit { background: #ffffff; border: 2px solid #8fa3bb; border-radius: 4px; padding: 2px 6px; }"
-        "ScanLineEdit:focus { border: 3px solid #1f6fd1; background: #fffde8; }"
-        "#txtWebshop { background: #f7f7f7; border: 1px solid #c5cfdb; color: #1c3d6e; }"
-        "#CmdBtnRePick { padding: 6px 18px; }"));
-    PicBack->setStyleSheet(QStringLiteral(
-        "#PicBack { background: #fbfbfb; border: 1px solid #d5d9de; border-radius: 6px; }"
-        "#Label1, #lblPickedCaption { color: #5a6775; }"
-        "#lblOrderNum { color: #1b2a3a; }"
-        "#lblPickedNum { color: #1f6fd1; }"
-        "#lblPickInfo { color: #d00000; }"
-        "#lblMessage { color: #d00000; }"
-        "#LblProgressbar { background: #e4e8ec; border: 1px solid #9aa7b4; border-radius: 4px; }"
-        "#lblProgress { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 #5fd37a, stop:1 #1e9e45);"
-        " border-radius: 4px; }"));
-    PiclistBack->setStyleSheet(QStringLiteral("#PiclistBack { border: 1px solid #d5d9de; border-radius: 6px; }"));
+    ui->LblProgressbar->installEventFilter(this);
+    ui->PiclistBack->installEventFilter(this);
 }
 
 void frmPickigGoods::connectHandlers()
 {
-    connect(TxtID, &ScanLineEdit::enterPressed, this, &frmPickigGoods::TxtID_Enter);
-    connect(TxtItemID, &ScanLineEdit::enterPressed, this, &frmPickigGoods::TxtItemID_Enter);
-    connect(TxtNum, &ScanLineEdit::enterPressed, this, &frmPickigGoods::TxtNum_Enter);
+    connect(ui->TxtID, &ScanLineEdit::enterPressed, this, &frmPickigGoods::TxtID_Enter);
+    connect(ui->TxtItemID, &ScanLineEdit::enterPressed, this, &frmPickigGoods::TxtItemID_Enter);
+    connect(ui->TxtNum, &ScanLineEdit::enterPressed, this, &frmPickigGoods::TxtNum_Enter);
     // A scan of refused characters only is no scan: the code standing in the
     // field is not taken again, only the end-of-scan reset runs.
-    connect(TxtID, &ScanLineEdit::refusedScanEntered, this, [this] { FocusAndSelect(TxtID); });
-    for (ScanLineEdit* field : {TxtItemID, TxtNum}) {
+    connect(ui->TxtID, &ScanLineEdit::refusedScanEntered, this, [this] { FocusAndSelect(ui->TxtID); });
+    for (ScanLineEdit* field : {ui->TxtItemID, ui->TxtNum}) {
         connect(field, &ScanLineEdit::refusedScanEntered, this, [this] {
-            TxtNum->setText(QStringLiteral("1"));
-            FocusAndSelect(TxtItemID);
+            ui->TxtNum->setText(QStringLiteral("1"));
+            FocusAndSelect(ui->TxtItemID);
         });
     }
-    connect(TxtNum, &QLineEdit::textChanged, this, [this] { TxtNum_Change(); });
-    connect(CmdBtnRePick, &QPushButton::clicked, this, [this] { CmdBtnRePick_Click(); });
-    connect(chkHaveSerial, &QCheckBox::clicked, this, [this] { chkHaveSerial_Click(); });
-    connect(chkShowText, &QCheckBox::clicked, this, [this] { chkShowText_Click(); });
-    connect(LogList1, &::LogList::FilterChanged, this, &frmPickigGoods::LogList1_FilterChanged);
+    connect(ui->TxtNum, &QLineEdit::textChanged, this, [this] { TxtNum_Change(); });
+    connect(ui->CmdBtnRePick, &QPushButton::clicked, this, [this] { CmdBtnRePick_Click(); });
+    connect(ui->chkHaveSerial, &QCheckBox::clicked, this, [this] { chkHaveSerial_Click(); });
+    connect(ui->chkShowText, &QCheckBox::clicked, this, [this] { chkShowText_Click(); });
+    connect(ui->LogList1, &::LogList::FilterChanged, this, &frmPickigGoods::LogList1_FilterChanged);
 
     // Focus and click rules of the entry fields.
-    for (ScanLineEdit* field : {TxtID, TxtItemID, TxtNum}) {
+    for (ScanLineEdit* field : {ui->TxtID, ui->TxtItemID, ui->TxtNum}) {
         connect(field, &ScanLineEdit::focusEntered, this, [field] { field->selectAll(); });
         connect(field, &ScanLineEdit::clicked, field, &QLineEdit::clear);
     }
     // The field shows the order on the station whenever the worker is elsewhere.
-    connect(TxtID, &ScanLineEdit::focusLeft, this, [this] { TxtID->setText(CurrentOrderCode); });
-    connect(TxtEmployee, &ScanLineEdit::doubleClicked, this, &frmPickigGoods::TxtEmployee_PickEmployee);
-    connect(TxtEmployee, &ScanLineEdit::functionKeyPressed, this, [this](int key) {
+    connect(ui->TxtID, &ScanLineEdit::focusLeft, this, [this] { ui->TxtID->setText(m_state.CurrentOrderCode()); });
+    connect(ui->TxtEmployee, &ScanLineEdit::doubleClicked, this, &frmPickigGoods::TxtEmployee_PickEmployee);
+    connect(ui->TxtEmployee, &ScanLineEdit::functionKeyPressed, this, [this](int key) {
         if (key == Qt::Key_F7)
             TxtEmployee_PickEmployee();
     });
@@ -357,16 +161,16 @@ void frmPickigGoods::connectHandlers()
     // count that the scan just made (the views select before they count).
     auto showInHand = [this](const GoodsRecord& line) {
         m_bigViewLine = line;
-        GoodsBigView->showGoodsLine(line);
+        ui->GoodsBigView->showGoodsLine(line);
     };
-    connect(GoodsListView, &::GoodsListView::GoodsSelected, this, showInHand);
-    connect(GoodsTextView, &::GoodsTextView::GoodsSelected, this, showInHand);
+    connect(ui->GoodsListView, &::GoodsListView::GoodsSelected, this, showInHand);
+    connect(ui->GoodsTextView, &::GoodsTextView::GoodsSelected, this, showInHand);
     auto recount = [this] {
         if (!m_bigViewLine.isNone() && HasGoodsLines())
-            GoodsBigView->showGoodsLine(m_bigViewLine);
+            ui->GoodsBigView->showGoodsLine(m_bigViewLine);
     };
-    connect(TxtItemID, &ScanLineEdit::enterPressed, this, recount);
-    connect(TxtNum, &ScanLineEdit::enterPressed, this, recount);
+    connect(ui->TxtItemID, &ScanLineEdit::enterPressed, this, recount);
+    connect(ui->TxtNum, &ScanLineEdit::enterPressed, this, recount);
 }
 
 int frmPickigGoods::ShowMessageBox(const QString& prompt, int buttons, const QString& title)
@@ -378,11 +182,11 @@ int frmPickigGoods::ShowMessageBox(const QString& prompt, int buttons, const QSt
 
 void frmPickigGoods::ResetPickState()
 {
-    TxtItemID->setText(QString());
-    m_PickedNum = m_MissingNum = m_ExcessNum = m_ErrorNum = 0;
-    TxtNum->setText(QStringLiteral("1"));
-    lblPickInfo->setText(QString());
-    ImgSuccess->hide();
+    ui->TxtItemID->setText(QString());
+    m_state.clearCounters();
+    ui->TxtNum->setText(QStringLiteral("1"));
+    ui->lblPickInfo->setText(QString());
+    ui->ImgSuccess->hide();
 }
 
 void frmPickigGoods::PlayVoice(const QString& fileName)
@@ -396,28 +200,39 @@ void frmPickigGoods::PlayVoice(const QString& fileName)
 
 void frmPickigGoods::SetMessage(const QString& chineseText)
 {
-    lblMessage->setText(chineseText.isEmpty() ? QString() : LoadString(chineseText));
+    ui->lblMessage->setText(chineseText.isEmpty() ? QString() : LoadString(chineseText));
+}
+
+qint32 frmPickigGoods::shownTotal() const
+{
+    return ui->lblOrderNum->text().toInt();
 }
 
 void frmPickigGoods::UpdateProgress()
 {
-    const qint32 total = lblOrderNum->text().toInt();
-    lblPickedNum->setText(QString::number(m_PickedNum) + QStringLiteral("/") + QString::number(total));
+    ui->lblPickedNum->setText(QString::number(m_state.pickedNum()) + QStringLiteral("/") + QString::number(shownTotal()));
     setProgressWidth();
 }
 
 void frmPickigGoods::setProgressWidth()
 {
-    const qint32 total = lblOrderNum->text().toInt();
+    const qint32 total = shownTotal();
+    const qint32 picked = m_state.pickedNum();
+    const int frame = ui->LblProgressbar->width();
     int width = 0;
-    if (total > 0 && m_PickedNum > 0)
-        width = int(qBound(qint64(0), qint64(LblProgressbar->width()) * m_PickedNum / total, qint64(LblProgressbar->width())));
-    lblProgress->setGeometry(0, 0, width, LblProgressbar->height());
+    if (total > 0 && picked > 0)
+        width = int(qBound(qint64(0), qint64(frame) * picked / total, qint64(frame)));
+    ui->lblProgress->setGeometry(0, 0, width, ui->LblProgressbar->height());
 }
 
 bool frmPickigGoods::IsGridView() const
 {
-    return chkShowText->checkState() == Qt::Checked;
+    return ui->chkShowText->checkState() == Qt::Checked;
+}
+
+ActiveView frmPickigGoods::activeView() const
+{
+    return ActiveView(*ui->GoodsListView, *ui->GoodsTextView, IsGridView());
 }
 
 void frmPickigGoods::FocusAndSelect(QLineEdit* field)
@@ -429,9 +244,9 @@ void frmPickigGoods::FocusAndSelect(QLineEdit* field)
 void frmPickigGoods::placeGridView()
 {
     // The stamp sits in the top right corner of the goods area.
-    const int x = qMax(0, PiclistBack->width() - ImgSuccess->width() - 24);
-    ImgSuccess->move(x, 16);
-    ImgSuccess->raise();
+    const int x = qMax(0, ui->PiclistBack->width() - ui->ImgSuccess->width() - 24);
+    ui->ImgSuccess->move(x, 16);
+    ui->ImgSuccess->raise();
 }
 
 void frmPickigGoods::resizeEvent(QResizeEvent* event)
@@ -446,16 +261,16 @@ void frmPickigGoods::showEvent(QShowEvent* event)
     if (!m_shownOnce) {
         m_shownOnce = true;
         // The station waits for an order.
-        TxtID->setFocus(Qt::OtherFocusReason);
+        ui->TxtID->setFocus(Qt::OtherFocusReason);
     }
 }
 
 bool frmPickigGoods::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::Resize) {
-        if (watched == LblProgressbar)
+        if (watched == ui->LblProgressbar)
             setProgressWidth();
-        else if (watched == PiclistBack)
+        else if (watched == ui->PiclistBack)
             placeGridView();
     }
     return QDialog::eventFilter(watched, event);

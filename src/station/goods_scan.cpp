@@ -2,16 +2,17 @@
 // open line of the order on the station, the active view counts it unit by
 // unit, and every outcome gets a message, a voice prompt and a verdict.
 #include "station/frm_pickig_goods.h"
-#include "grid/goods_text_view.h"
+#include "ui_frm_pickig_goods.h"
 #include "host/error_reporter.h"
 #include "host/host_error.h"
 #include "orderdata/order_goods.h"
 #include "orderdata/serial_lookup.h"
 #include "session/language.h"
+#include "station/active_view.h"
+#include "station/gs1_scan.h"
 #include "station/scan_line_edit.h"
 #include "station/scan_quantity.h"
 #include "station/serial_lists.h"
-#include "tiles/goods_list_view.h"
 #include <QCheckBox>
 #include <QLabel>
 #include <exception>
@@ -51,78 +52,9 @@ void appendToList(GoodsRecord& line, const QString& key, const QString& value)
     line.SetValue(key, text(line, key) + QLatin1Char(',') + value);
 }
 
-// The calls of one scan on the view the worker looks at: tiles address a line
-// by its index, the grid by goods and entry.
-class ActiveView {
-public:
-    ActiveView(frmPickigGoods& form, qint32 index, qint32 itemId, qint32 entryId)
-        : m_form(form), m_index(index), m_itemId(itemId), m_entryId(entryId) {}
+} // namespace
 
-    void select()
-    {
-        if (grid())
-            m_form.GoodsTextView->SelectedGoodsByIDNew(m_itemId, m_entryId);
-        else
-            m_form.GoodsListView->SelectedGoodsSerilNumNew(m_itemId, m_entryId);
-    }
-    void countOne()
-    {
-        if (grid())
-            m_form.GoodsTextView->PickingGoodsNew(m_itemId, m_entryId);
-        else
-            m_form.GoodsListView->PickingGoods(m_index);
-    }
-    int status()
-    {
-        return grid() ? int(m_form.GoodsTextView->IsPickedNew(m_itemId, m_entryId))
-                      : int(m_form.GoodsListView->IsPicked(m_index));
-    }
-    // The undo before a typed quantity works on the line the quantity goes
-    // to: with the same goods on two entries, the first line's count is not
-    // the one being replaced.
-    qint32 excessCnt()
-    {
-        return grid() ? m_form.GoodsTextView->GetExcessCntNew(m_itemId, m_entryId)
-                      : m_form.GoodsListView->GetExcessCnt(m_index);
-    }
-    qint32 pickedCnt()
-    {
-        return grid() ? m_form.GoodsTextView->GetPickedCntNew(m_itemId, m_entryId)
-                      : m_form.GoodsListView->GetPickedCnt(m_index);
-    }
-    void clearCheckedCnt()
-    {
-        if (grid())
-            m_form.GoodsTextView->ClearCheckedCntNew(m_itemId, m_entryId);
-        else
-            m_form.GoodsListView->ClearCheckedCnt(m_index);
-    }
-    void refresh()
-    {
-        if (grid())
-            m_form.GoodsTextView->RefreshGoodsNew(m_itemId, m_entryId);
-        else
-            m_form.GoodsListView->RefreshGoodsNew(m_itemId, m_entryId);
-    }
-
-private:
-    bool grid() const { return m_form.IsGridView(); }
-    frmPickigGoods& m_form;
-    qint32 m_index, m_itemId, m_entryId;
-};
-
-// A code that is no goods of the order may be the next order: when the header
-// query knows it, the order scan takes it over.
-bool takeAsOrderCode(frmPickigGoods& form, const QString& code)
-{
-    if (!form.OrderHeaderQuery(code))
-        return false;
-    form.TxtID->setText(code);
-    form.TxtID_Enter();
-    return true;
-}
-
-class GoodsScan {
+class frmPickigGoods::GoodsScan {
 public:
     explicit GoodsScan(frmPickigGoods& form) : f(form) {}
     void run();
@@ -130,7 +62,16 @@ public:
     bool quantityRefused() const { return m_quantityRefused; }
 
 private:
+    // A code that is no goods of the order may be the next order: when the
+    // header query knows it, the order scan takes it over.
+    bool takeAsOrderCode();
+    // A GS1 code: refused when it does not read; its count is the quantity.
+    bool readGs1();
+    bool takeGs1Count();
     bool lookUp();
+    // A serial scanned from a GS1 label must be the labelled goods, of the
+    // labelled batch and expiry.
+    bool serialFitsLabel();
     bool chooseBarCodeLine();
     bool chooseSerialLine();
     bool shelfLifeFits(GoodsRecord& line);
@@ -139,21 +80,34 @@ private:
     QString m_code;
     GoodsRecord m_found = GoodsRecord::none();
     qint32 m_itemId = 0;
-    bool m_serialMode = false;   // chkHaveSerial: the code is a serial number
+    bool m_serialMode = false;   // ui->chkHaveSerial: the code is a serial number
     bool m_serialScan = false;   // ... and the serial was found
     qint32 m_quantity = 1;
     bool m_quantityRefused = false;
+    Gs1Scan m_gs1;   // what a GS1 code asks; Plain for every other code
     GoodsRecord m_line = GoodsRecord::none();   // the chosen order line
 };
 
-void GoodsScan::run()
+bool frmPickigGoods::GoodsScan::takeAsOrderCode()
 {
-    m_code = f.TxtItemID->text().trimmed();
+    if (!f.OrderHeaderQuery(m_code))
+        return false;
+    f.ui->TxtID->setText(m_code);
+    f.TxtID_Enter();
+    return true;
+}
+
+void frmPickigGoods::GoodsScan::run()
+{
+    m_code = f.ui->TxtItemID->text().trimmed();
     if (m_code.isEmpty())
         return;
+    if (!readGs1())
+        return;
 
-    if (f.TxtID->text().trimmed().isEmpty() || !HasGoodsLines()) {
-        if (!takeAsOrderCode(f, m_code)) {
+    if (f.ui->TxtID->text().trimmed().isEmpty() || !HasGoodsLines()) {
+        // A GS1 code is never an order's code.
+        if (m_gs1.kind == Gs1Scan::Kind::Read || !takeAsOrderCode()) {
             f.PlayVoice(kVoiceFindGoods);
             f.SetMessage(QStringLiteral("找不到物流单号/唯一码/商品条码/序列号"));
         }
@@ -161,13 +115,15 @@ void GoodsScan::run()
     }
 
     // Read before the line is touched, so a bad quantity leaves nothing to undo.
-    const std::optional<qint32> quantity = ScanQuantity(f.TxtNum->text());
+    const std::optional<qint32> quantity = ScanQuantity(f.ui->TxtNum->text());
     if (!quantity) {
         f.SetMessage(QStringLiteral("商品数量只能为数值！"));
         m_quantityRefused = true;
         return;
     }
     m_quantity = *quantity;
+    if (!takeGs1Count())
+        return;
 
     if (!lookUp())
         return;
@@ -178,21 +134,23 @@ void GoodsScan::run()
     const QString entry = text(m_found, QStringLiteral("FEntryID"));
     const qint32 index = FindGoodsLineIndex(m_itemId, entry);
     if (index == -2) {
-        if (!takeAsOrderCode(f, m_code)) {
+        // A GS1 code is never an order's code.
+        if (m_gs1.kind == Gs1Scan::Kind::Read || !takeAsOrderCode()) {
             f.PlayVoice(kVoiceFindGoods);
-            f.lblPickInfo->clear();
+            f.ui->lblPickInfo->clear();
             f.SetMessage(QStringLiteral("找不到相应的发货单或商品"));
         }
         return;
     }
     if (index < 0) {
         f.PlayVoice(kVoiceError);
-        f.m_ErrorNum += m_quantity;
+        f.m_state.countWrongGoods(m_quantity);
         f.WriteVerdict(2);
         return;
     }
 
-    ActiveView view(f, index, m_itemId, entry.toInt());
+    ActiveView view = f.activeView();
+    const ActiveView::Line line{index, m_itemId, entry.toInt()};
     if (m_quantity >= 2) {
         if (m_serialScan) {
             // Nothing is counted, so the line keeps the open quantity it had.
@@ -202,57 +160,86 @@ void GoodsScan::run()
             return;
         }
         // A typed quantity replaces what the line had counted so far.
-        f.m_ExcessNum -= view.excessCnt();
+        f.m_state.takeBackExcess(view.excessCnt(line));
         f.WriteVerdict(0);
-        f.m_PickedNum -= view.pickedCnt();
+        f.m_state.takeBackPicked(view.pickedCnt(line));
         f.UpdateProgress();
-        view.clearCheckedCnt();
+        view.clearCheckedCnt(line);
     }
 
     if (m_serialScan && !m_line.isNone() && !shelfLifeFits(m_line))
         return;
 
-    const qint32 total = f.lblOrderNum->text().toInt();
+    const qint32 total = f.shownTotal();
     int status = 0;
-    view.select();
+    view.select(line);
     for (qint32 k = 1; k <= m_quantity; ++k) {
         const bool lastUnit = k == m_quantity;
-        view.countOne();
-        status = view.status();
+        view.countOne(line);
+        status = view.status(line);
         if (status < 2) {
-            ++f.m_PickedNum;
+            const bool complete = f.m_state.countUnit(total);
             f.UpdateProgress();
-            f.lblPickInfo->clear();
-            if (f.m_RecomputeMissing) {
-                f.m_MissingNum = total - f.m_PickedNum;
+            f.ui->lblPickInfo->clear();
+            if (f.m_state.recomputeMissing())
                 f.WriteVerdict(1);
-            }
-            if (total >= 1 && f.m_PickedNum == total)
+            if (complete)
                 f.OrderPassed(lastUnit);
         } else {
             // One prompt for the whole quantity, not one per piece.
             if (lastUnit)
                 f.PlayVoice(kVoiceExcess);
-            ++f.m_ExcessNum;
+            f.m_state.countExcessUnit();
             f.WriteVerdict(0);
         }
     }
     if (status == 1 || status == 2)
-        view.refresh();
+        view.refresh(line);
 }
 
-bool GoodsScan::lookUp()
+bool frmPickigGoods::GoodsScan::readGs1()
 {
-    m_serialMode = f.chkHaveSerial->isChecked();
+    m_gs1 = ReadGs1Scan(m_code);
+    if (m_gs1.kind == Gs1Scan::Kind::Refused) {
+        f.PlayVoice(kVoiceFindGoods);
+        f.ui->lblPickInfo->clear();
+        f.SetMessage(m_gs1.refusal);
+        return false;
+    }
+    return true;
+}
+
+bool frmPickigGoods::GoodsScan::takeGs1Count()
+{
+    if (m_gs1.kind == Gs1Scan::Kind::Read && m_gs1.count) {
+        // The label's count stands for the quantity typed in TxtNum.
+        const std::optional<qint32> count = ScanQuantity(*m_gs1.count);
+        if (!count) {
+            f.SetMessage(QStringLiteral("商品数量只能为数值！"));
+            m_quantityRefused = true;
+            return false;
+        }
+        m_quantity = *count;
+    }
+    return true;
+}
+
+bool frmPickigGoods::GoodsScan::lookUp()
+{
+    const bool gs1 = m_gs1.kind == Gs1Scan::Kind::Read;
+    m_serialMode = f.ui->chkHaveSerial->isChecked();
     if (m_serialMode) {
-        m_found = FindSerialNumber(m_code);
+        // A label without a serial number finds no serial.
+        m_found = !gs1 ? FindSerialNumber(m_code) : m_gs1.serial ? FindSerialNumber(*m_gs1.serial) : GoodsRecord();
         if (!text(m_found, QStringLiteral("FItemID")).isEmpty()) {
+            if (gs1 && !serialFitsLabel())
+                return false;
             m_itemId = m_found.GetValue(QStringLiteral("FItemID")).toInt();
             m_serialScan = true;
         }
         return true;
     }
-    m_found = FindWebOrderGoodsByBarCode(m_code);
+    m_found = !gs1 ? FindWebOrderGoodsByBarCode(m_code) : m_gs1.gtin ? FindWebOrderGoodsByGtin(*m_gs1.gtin) : GoodsRecord();
     if (!text(m_found, QStringLiteral("FItemID")).isEmpty()) {
         if (m_found.GetValue(QStringLiteral("FSerialClassID"), 0).toInt() != 0) {
             f.PlayVoice(kVoiceScanSerial);
@@ -264,7 +251,25 @@ bool GoodsScan::lookUp()
     return true;
 }
 
-bool GoodsScan::chooseBarCodeLine()
+bool frmPickigGoods::GoodsScan::serialFitsLabel()
+{
+    const QString item = text(m_found, QStringLiteral("FItemID"));
+    const bool goodsFit = !m_gs1.gtin || text(FindWebOrderGoodsByGtin(*m_gs1.gtin), QStringLiteral("FItemID")) == item;
+    const bool batchFits = !m_gs1.batch || *m_gs1.batch == text(m_found, QStringLiteral("FBatchNo"));
+    if (!goodsFit || !batchFits) {
+        f.PlayVoice(kVoiceFindGoods);
+        f.SetMessage(QStringLiteral("该商品的批次、仓库、仓位信息与订单分录上的不一致"));
+        return false;
+    }
+    if (m_gs1.expiry && !Gs1ExpiryFits(*m_gs1.expiry, m_found)) {
+        f.PlayVoice(kVoiceDifKFPeriod);
+        f.SetMessage(QStringLiteral("同一分录不允许扫描不同保质期的商品"));
+        return false;
+    }
+    return true;
+}
+
+bool frmPickigGoods::GoodsScan::chooseBarCodeLine()
 {
     const RecordList lines = GetGoodsLineSet();
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
@@ -279,7 +284,7 @@ bool GoodsScan::chooseBarCodeLine()
     return true;   // no open line: the index search below answers it
 }
 
-bool GoodsScan::chooseSerialLine()
+bool frmPickigGoods::GoodsScan::chooseSerialLine()
 {
     const RecordList lines = GetGoodsLineSet();
     const QString item = QString::number(m_itemId);
@@ -287,7 +292,7 @@ bool GoodsScan::chooseSerialLine()
     // is the one the line keeps, so a rescan in other case is still a repeat.
     QString serial = text(m_found, QStringLiteral("FSerialNum"));
     if (serial.isEmpty())
-        serial = m_code;
+        serial = m_gs1.serial.value_or(m_code);
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
         GoodsRecord line = lines.Item(i);
         if (text(line, QStringLiteral("GoodsID")) != item || !hasOpenQuantity(line))
@@ -318,7 +323,7 @@ bool GoodsScan::chooseSerialLine()
     return true;
 }
 
-bool GoodsScan::shelfLifeFits(GoodsRecord& line)
+bool frmPickigGoods::GoodsScan::shelfLifeFits(GoodsRecord& line)
 {
     const QString period = text(m_found, QStringLiteral("FKFPeriod"));
     const QString date = text(m_found, QStringLiteral("FKFDate"));
@@ -338,8 +343,6 @@ bool GoodsScan::shelfLifeFits(GoodsRecord& line)
     return true;
 }
 
-} // namespace
-
 void frmPickigGoods::TxtItemID_Enter()
 {
     scanGoodsCode();
@@ -347,6 +350,7 @@ void frmPickigGoods::TxtItemID_Enter()
 
 bool frmPickigGoods::scanGoodsCode()
 {
+    const JournalCommit commit{*this};
     bool quantityRefused = false;
     try {
         GoodsScan scan(*this);
@@ -360,7 +364,7 @@ bool frmPickigGoods::scanGoodsCode()
         ReportError(0, QStringLiteral("Unknown error"), this);
     }
     // Every path, errors included, leaves the station ready for the next scan.
-    TxtNum->setText(QStringLiteral("1"));
-    FocusAndSelect(TxtItemID);
+    ui->TxtNum->setText(QStringLiteral("1"));
+    FocusAndSelect(ui->TxtItemID);
     return quantityRefused;
 }

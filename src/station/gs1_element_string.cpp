@@ -138,6 +138,13 @@ const char* valueError(const AiSpec& spec, const QString& value)
     return nullptr;
 }
 
+// The two digits an unknown AI begins with, for the message; "" when the
+// text does not even begin with digits.
+QString leadingAi(QStringView text)
+{
+    return text.size() >= 2 && isDigit(text.at(0)) && isDigit(text.at(1)) ? text.left(2).toString() : QString();
+}
+
 class Reader {
 public:
     explicit Reader(Gs1ElementString& out) : m_out(out) {}
@@ -154,7 +161,7 @@ public:
             QString ai;
             const AiSpec* spec = aiAt(text.mid(i), &ai);
             if (!spec)
-                return fail(kErrorUnknownAi, text.mid(i, 2).toString());
+                return fail(kErrorUnknownAi, leadingAi(text.mid(i)));
             i += spec->aiLength;
             qsizetype end = i;
             if (spec->fixed) {
@@ -183,7 +190,7 @@ public:
             QString ai;
             const qsizetype aiEnd = closingOfAi(text, i, &ai);
             if (aiEnd < 0)
-                return fail(kErrorUnknownAi, text.mid(i + 1, 2).toString());
+                return fail(kErrorUnknownAi, leadingAi(text.mid(i + 1)));
             qsizetype end = aiEnd + 1;
             QString nextAi;
             while (end < text.size() && !(text.at(end) == QLatin1Char('(') && closingOfAi(text, end, &nextAi) >= 0))

@@ -1,20 +1,21 @@
 // The order scan: Enter in TxtID. The order being left gets its verdict, the
 // new order is refused (frozen, refund, verified), restored from this
 // session's log, or loaded fresh with its status on the server set back to 0.
-#include "grid/goods_text_view.h"
 #include "host/error_reporter.h"
 #include "host/object_factory.h"
+#include "host/platform.h"
 #include "log/log_list.h"
+#include "station/active_view.h"
 #include "orderdata/order_goods.h"
 #include "session/host_session.h"
 #include "session/language.h"
 #include "session/variant_convert.h"
 #include "station/frm_pickig_goods.h"
+#include "ui_frm_pickig_goods.h"
 #include "station/scan_line_edit.h"
 #include "station/station_sql.h"
 #include "station/verdict.h"
 #include "tiles/goods_big_view.h"
-#include "tiles/goods_list_view.h"
 #include <QCheckBox>
 #include <QLabel>
 #include <QPixmap>
@@ -22,19 +23,7 @@
 
 namespace {
 
-const QString NoOrderMark = QStringLiteral("+");
 const QString NotFoundMessage = QStringLiteral("找不到物流单号/唯一码/商品条码/序列号");
-
-// The classic Trim: spaces only.
-QString trimBlanks(const QString& text)
-{
-    qsizetype start = 0, end = text.size();
-    while (start < end && text.at(start) == QLatin1Char(' '))
-        ++start;
-    while (end > start && text.at(end - 1) == QLatin1Char(' '))
-        --end;
-    return text.mid(start, end - start);
-}
 
 qint64 numberOf(const GoodsRecord& record, const QString& key)
 {
@@ -64,12 +53,13 @@ QString translatedVerdict(const QString& text)
 
 void frmPickigGoods::TxtID_Enter()
 {
+    const JournalCommit commit{*this};
     try {
-        const QString code = trimBlanks(TxtID->text());
+        const QString code = TrimBlanks(ui->TxtID->text());
         LogLeavingVerdict();
         if (code.isEmpty())
             return;
-        m_LastOrderCode = code;
+        m_state.setLastOrderCode(code);
 
         if (const std::optional<GoodsRecord> header = OrderHeaderQuery(code)) {
             if (numberOf(*header, QStringLiteral("FIsLock")) != 0) {
@@ -77,11 +67,12 @@ void frmPickigGoods::TxtID_Enter()
                 RefuseOrder();
                 return;
             }
-            m_ArgRecord = GoodsRecord();
-            m_ArgRecord.SetValue(QStringLiteral("sDSN"), GetPropsString());
-            m_ArgRecord.SetValue(QStringLiteral("FID"), header->GetValue(QStringLiteral("FID")));
+            GoodsRecord& arguments = m_state.argumentRecord();
+            arguments = GoodsRecord();
+            arguments.SetValue(QStringLiteral("sDSN"), GetPropsString());
+            arguments.SetValue(QStringLiteral("FID"), header->GetValue(QStringLiteral("FID")));
             auto data = CreateServerObjectAs<IGetData>(ProgIds::GetData);
-            const std::optional<GoodsRecord> refund = data->CheckReturnBills(m_ArgRecord);
+            const std::optional<GoodsRecord> refund = data->CheckReturnBills(arguments);
             if (refund && numberOf(*refund, QStringLiteral("FStatus")) == 1) {
                 PlayVoice(QStringLiteral("\\voice\\refunds.wav"));
                 SetMessage(QStringLiteral("此单交易状态为申请退款"));
@@ -96,25 +87,21 @@ void frmPickigGoods::TxtID_Enter()
             }
         }
 
-        if (SessionOrderKeys.Exists(code)) {
-            for (int i = 0; i < SessionOrderLog.Count(); ++i) {
-                const GoodsRecord entry = SessionOrderLog.Item(i);
-                if (entry.GetValue(QStringLiteral("ID")).toString() == code) {
-                    m_RestoredFromLog = true;
-                    m_RecomputeMissing = true;
-                    RestoreOrder(entry);
-                    return;
-                }
+        if (m_state.wasChecked(code)) {
+            const GoodsRecord entry = m_state.entryOf(code);
+            if (!entry.isNone()) {
+                m_state.markRestored();
+                RestoreOrder(entry);
+                return;
             }
             // Re-pick took its entry away: the order starts over as new.
         }
 
-        m_RestoredFromLog = false;
-        m_RecomputeMissing = false;
+        m_state.startFresh();
         const qint32 total = loadOrderTotal(code);
         if (total == 0) {
             SetMessage(NotFoundMessage);
-            FocusAndSelect(TxtID);
+            FocusAndSelect(ui->TxtID);
         } else {
             SetMessage(QString());
         }
@@ -142,7 +129,7 @@ void frmPickigGoods::GetGoodsNum(const QString& code, qint32& total)
         hasSerialGoods = serial && serial->RecordCount() > 0;
     }
     const RecordsetPtr rs = data->ExecuteSQL(
-        GetPropsString(), GoodsNumSql(code, hasSerialGoods, chkBarCode->isChecked(), chkHaveSerial->isChecked()));
+        GetPropsString(), GoodsNumSql(code, hasSerialGoods, ui->chkBarCode->isChecked(), ui->chkHaveSerial->isChecked()));
     qint32 sum = 0;
     for (; rs && !rs->isEOF(); rs->MoveNext()) {
         const QVariant quantity = rs->Fields(QStringLiteral("FQuantity"));
@@ -166,42 +153,32 @@ void frmPickigGoods::showActiveViewGoods()
     // An empty set leaves a view as it was: empty it here, so that a refused
     // or unknown order shows nothing.
     const bool hasLines = HasGoodsLines();
-    if (IsGridView()) {
-        if (hasLines)
-            GoodsTextView->LoadPickingGoods();
-        else
-            GoodsTextView->ClearGoods();
-    } else {
-        if (hasLines)
-            GoodsListView->LoadPickingGoods();
-        else
-            GoodsListView->ClearGoods();
-    }
+    activeView().showGoods(hasLines);
     if (!hasLines) {
         m_bigViewLine = GoodsRecord::none();
-        GoodsBigView->setGoodsID(QString());
-        GoodsBigView->setGoodsName(QString());
-        GoodsBigView->setGoodsOrderCnt(0);
-        GoodsBigView->setGoodsCheckedCnt(0);
-        GoodsBigView->SetPicture(QPixmap());
+        ui->GoodsBigView->setGoodsID(QString());
+        ui->GoodsBigView->setGoodsName(QString());
+        ui->GoodsBigView->setGoodsOrderCnt(0);
+        ui->GoodsBigView->setGoodsCheckedCnt(0);
+        ui->GoodsBigView->SetPicture(QPixmap());
     }
 }
 
 qint32 frmPickigGoods::loadOrderTotal(const QString& code)
 {
     LoadOrderGoods(code);
-    txtWebshop->setText(GetWebshopName().toString());
+    ui->txtWebshop->setText(GetWebshopName().toString());
     showActiveViewGoods();
-    CurrentOrderCode = code;
+    m_state.setCurrentOrderCode(code);
     qint32 total = 0;
     GetGoodsNum(code, total);
     if (HasGoodsLines() && total > 0) {
-        FocusAndSelect(TxtItemID);
+        FocusAndSelect(ui->TxtItemID);
         SetMessage(QString());
     }
-    lblOrderNum->setText(QString::number(total));
-    lblPickedNum->setText(QStringLiteral("0/"));
-    m_PickedNum = 0;
+    ui->lblOrderNum->setText(QString::number(total));
+    ui->lblPickedNum->setText(QStringLiteral("0/"));
+    m_state.clearPicked();
     setProgressWidth();
     // A fresh load starts the order over on the server too.
     SavePickingStatus(code, false);
@@ -214,64 +191,50 @@ void frmPickigGoods::RestoreOrder(const GoodsRecord& entry)
     const QString code = entry.GetValue(QStringLiteral("ID")).toString();
     // The order still on the station keeps its lines (and the serials scanned
     // on them); an order left earlier is read again.
-    const bool reload = code != CurrentOrderCode || !HasGoodsLines();
+    const bool reload = code != m_state.CurrentOrderCode() || !HasGoodsLines();
     if (reload) {
         LoadOrderGoods(code);
-        txtWebshop->setText(GetWebshopName().toString());
+        ui->txtWebshop->setText(GetWebshopName().toString());
     }
     showActiveViewGoods();
-    CurrentOrderCode = code;
+    m_state.setCurrentOrderCode(code);
     qint32 total = 0;
     GetGoodsNum(code, total);
-    FocusAndSelect(TxtItemID);
+    FocusAndSelect(ui->TxtItemID);
     if (HasGoodsLines() && total > 0)
         SetMessage(QString());
-    lblOrderNum->setText(QString::number(total));
+    ui->lblOrderNum->setText(QString::number(total));
     ResetPickState();
 
-    m_ExcessNum = qint32(numberOf(entry, QStringLiteral("ExcessNum")));
-    m_ErrorNum = qint32(numberOf(entry, QStringLiteral("ErrorNum")));
-    m_MissingNum = qint32(numberOf(entry, QStringLiteral("MissingNum")));
+    m_state.restoreCounters(entry);
     if (entry.GetValue(QStringLiteral("bSuccess"), false).toBool()) {
-        ImgSuccess->show();
+        ui->ImgSuccess->show();
         PlayVoice(QStringLiteral("\\voice\\Succes.wav"));
     }
 
     // Each line gets its counts and serials back by goods and entry.
     const QVariant stored = entry.GetValue(QStringLiteral("PickedNum"));
     const GoodsRecord states = stored.canConvert<GoodsRecord>() ? stored.value<GoodsRecord>() : GoodsRecord::none();
-    if (!states.isNone()) {
-        if (IsGridView())
-            GoodsTextView->SetCheckCntNew(states);
-        else
-            GoodsListView->SetCheckCntNew(states);
-    }
-    // Picked is what the lines hold up to their ordered counts; the rest was excess.
-    qint32 picked = 0;
-    const RecordList lines = GetGoodsLineSet();
-    for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
-        const GoodsRecord line = lines.Item(i);
-        picked += qint32(qMin(numberOf(line, QStringLiteral("GoodsCheckedCnt")), numberOf(line, QStringLiteral("GoodsOrderCnt"))));
-    }
-    m_PickedNum = picked;
+    if (!states.isNone())
+        activeView().setCheckCounts(states);
+    m_state.setPickedNum(PickingState::pickedOnLines(GetGoodsLineSet()));
     UpdateProgress();
-    if (!SessionOrderLog.isNone() && SessionOrderLog.Count() >= 1)
-        LogList1->LoadLogList(SessionOrderLog);
+    reloadLogPane();
 }
 
 void frmPickigGoods::RefuseOrder()
 {
-    FocusAndSelect(TxtID);
-    TxtItemID->setText(QString());
-    loadOrderTotal(NoOrderMark);
-    ImgSuccess->hide();
+    FocusAndSelect(ui->TxtID);
+    ui->TxtItemID->setText(QString());
+    loadOrderTotal(PickingState::NoOrderMark);
+    ui->ImgSuccess->hide();
 }
 
 bool frmPickigGoods::SavePickingStatus(const QString& code, bool done)
 {
     try {
         GoodsRecord record;
-        record.SetValue(QStringLiteral("FPickingGoodMan"), done ? m_EmployeeTag : QVariant(0));
+        record.SetValue(QStringLiteral("FPickingGoodMan"), done ? ui->TxtEmployee->property("Tag") : QVariant(0));
         record.SetValue(QStringLiteral("FLogisticsOrder"), code);
         record.SetValue(QStringLiteral("sProps"), GetPropsString());
         record.SetValue(QStringLiteral("FPickingGoodsstatus"), done ? 1 : 0);
@@ -285,29 +248,21 @@ bool frmPickigGoods::SavePickingStatus(const QString& code, bool done)
     return false;
 }
 
-bool frmPickigGoods::CurrentOrderPassed(qint32 total) const
-{
-    const qint32 shown = lblOrderNum->text().toInt();
-    return shown > 0 && m_PickedNum >= total && m_PickedNum == shown;
-}
-
 bool frmPickigGoods::LogLeavingVerdict()
 {
     // "+" and a code that loaded nothing are no order: nothing to judge.
-    const QString code = CurrentOrderCode;
-    if (code.isEmpty() || code == NoOrderMark || !HasGoodsLines() || SessionOrderLog.isNone())
+    if (!m_state.hasOrder() || !HasGoodsLines() || !m_state.logOpen())
         return true;
+    const QString code = m_state.CurrentOrderCode();
     qint32 total = 0;
     GetGoodsNum(code, total);
     if (total <= 0)
         return true;
-    const bool passed = CurrentOrderPassed(total);
-    m_MissingNum = passed ? 0 : total - m_PickedNum;
-    const VerdictText verdict = ComposeVerdict(code, m_ExcessNum, m_MissingNum, m_ErrorNum);
-    lblPickInfo->setText(LoadString(PickInfoFor(m_ExcessNum, m_ErrorNum)));
-    logVerdict(code, verdict.text, verdict.success);
+    const bool passed = m_state.leaveOrder(total, shownTotal());
+    ui->lblPickInfo->setText(LoadString(PickInfoFor(m_state.excessNum(), m_state.errorNum())));
+    logVerdict(code, m_state.verdict(code, false));
     // Keep every line's picking state, so the order can come back as it was left.
-    sessionEntry(code).SetValue(QStringLiteral("PickedNum"), QVariant::fromValue(activeViewCounts()));
+    m_state.keepLineCounts(code, activeView().checkCounts());
     return passed;
 }
 
@@ -315,61 +270,33 @@ void frmPickigGoods::WriteVerdict(int kind)
 {
     switch (kind) {
     case 0:
-        lblPickInfo->setText(LoadString(QStringLiteral("拣货超量")));
+        ui->lblPickInfo->setText(LoadString(QStringLiteral("拣货超量")));
         break;
     case 2:
-        lblPickInfo->setText(LoadString(QStringLiteral("非本单商品")));
+        ui->lblPickInfo->setText(LoadString(QStringLiteral("非本单商品")));
         break;
     case 3:
-        lblPickInfo->setText(QString());
+        ui->lblPickInfo->setText(QString());
         break;
     default:
         break;
     }
-    if (CurrentOrderCode.isEmpty() || CurrentOrderCode == NoOrderMark)
+    if (!m_state.hasOrder())
         return;   // no order on the station, nothing to log
-    // A complete order passes, whatever happened on the way to it.
-    const VerdictText verdict = kind == 3 ? ComposeVerdict(CurrentOrderCode, 0, 0, 0)
-                                          : ComposeVerdict(CurrentOrderCode, m_ExcessNum, m_MissingNum, m_ErrorNum);
-    logVerdict(CurrentOrderCode, verdict.text, verdict.success);
+    const QString code = m_state.CurrentOrderCode();
+    logVerdict(code, m_state.verdict(code, kind == 3));
 }
 
-GoodsRecord frmPickigGoods::sessionEntry(const QString& code)
+void frmPickigGoods::logVerdict(const QString& code, const VerdictText& verdict)
 {
-    for (int i = 0; i < SessionOrderLog.Count(); ++i) {
-        GoodsRecord entry = SessionOrderLog.Item(i);
-        if (entry.GetValue(QStringLiteral("ID")).toString() == code)
-            return entry;
-    }
-    GoodsRecord entry;
-    entry.SetValue(QStringLiteral("ID"), code);
-    entry.SetValue(QStringLiteral("PickedNum"), QVariant::fromValue(GoodsRecord()));
-    SessionOrderLog.Add(entry);
-    return entry;
-}
-
-void frmPickigGoods::logVerdict(const QString& code, const QString& text, bool success)
-{
-    if (SessionOrderLog.isNone())
+    if (!m_state.logOpen())
         return;   // the station is closing
-    GoodsRecord entry = sessionEntry(code);
-    entry.SetValue(QStringLiteral("ExcessNum"), m_ExcessNum);
-    entry.SetValue(QStringLiteral("MissingNum"), m_MissingNum);
-    entry.SetValue(QStringLiteral("ErrorNum"), m_ErrorNum);
-    entry.SetValue(QStringLiteral("bSuccess"), success);
-    entry.SetValue(QStringLiteral("log"), translatedVerdict(text));
-    if (!SessionOrderKeys.Exists(code))
-        SessionOrderKeys.Add(code, code);
-    if (SessionOrderLog.Count() >= 1)
-        LogList1->LoadLogList(SessionOrderLog);
+    m_state.logVerdict(code, translatedVerdict(verdict.text), verdict.success);
+    reloadLogPane();
 }
 
-GoodsRecord frmPickigGoods::activeViewCounts() const
+void frmPickigGoods::reloadLogPane()
 {
-    GoodsRecord counts;
-    if (IsGridView())
-        GoodsTextView->GetCheckCntNew(counts);
-    else
-        GoodsListView->GetCheckCntNew(counts);
-    return counts;
+    if (m_state.logHasEntries())
+        ui->LogList1->LoadLogList(m_state.SessionOrderLog());
 }

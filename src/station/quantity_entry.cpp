@@ -1,5 +1,6 @@
 // Quantity entry: TxtNum holds the pieces the next goods scan applies.
 #include "station/frm_pickig_goods.h"
+#include "ui_frm_pickig_goods.h"
 #include "host/error_reporter.h"
 #include "host/host_error.h"
 #include "host/platform.h"
@@ -26,12 +27,13 @@ void guarded(frmPickigGoods* form, Work work)
 
 void frmPickigGoods::TxtNum_Change()
 {
+    const JournalCommit commit{*this};
     guarded(this, [this] {
-        const QString text = TxtNum->text();
+        const QString text = ui->TxtNum->text();
         // Empty is allowed while the worker types.
         if (text.isEmpty() || IsNumeric(text))
             return;
-        TxtNum->setText(QString());
+        ui->TxtNum->setText(QString());
         SetMessage(kNotNumeric);
     });
 }
@@ -39,8 +41,8 @@ void frmPickigGoods::TxtNum_Change()
 void frmPickigGoods::TxtNum_Enter()
 {
     guarded(this, [this] {
-        if (!IsNumeric(TxtNum->text())) {
-            TxtNum->setText(QString());
+        if (!IsNumeric(ui->TxtNum->text())) {
+            ui->TxtNum->setText(QString());
             SetMessage(kNotNumeric);
             return;
         }

@@ -1,4 +1,5 @@
 #include "station/scan_line_edit.h"
+#include "station/gs1_element_string.h"
 #include <QClipboard>
 #include <QDropEvent>
 #include <QFocusEvent>
@@ -32,6 +33,10 @@ public:
     explicit RefusingValidator(ScanLineEdit* field) : QValidator(field), m_field(field) {}
     State validate(QString& input, int& pos) const override
     {
+        // A GS1 scanner ends a field with GS: the field keeps its visible sign.
+        if (input.contains(QChar(Gs1GroupSeparator))) {
+            input.replace(QChar(Gs1GroupSeparator), QChar(Gs1GroupSeparatorSign));
+        }
         QString kept;
         kept.reserve(input.size());
         int newPos = pos;
@@ -94,9 +99,12 @@ QString ScanLineEdit::cleaned(const QString& text)
 {
     QString kept;
     kept.reserve(text.size());
-    for (QChar c : text)
-        if (!isRefused(c))
+    for (QChar c : text) {
+        if (c.unicode() == Gs1GroupSeparator)
+            kept.append(QChar(Gs1GroupSeparatorSign));
+        else if (!isRefused(c))
             kept.append(c);
+    }
     return kept;
 }
 
@@ -121,6 +129,13 @@ void ScanLineEdit::keyPressEvent(QKeyEvent* event)
     }
     if (event->matches(QKeySequence::Paste))
         noteIncoming(QGuiApplication::clipboard()->text());
+    // GS, as a GS1 scanner sends it between fields, is kept as its sign.
+    if (event->text() == QChar(Gs1GroupSeparator)) {
+        event->accept();
+        insert(QString(QChar(Gs1GroupSeparatorSign)));
+        m_keptInScan = true;
+        return;
+    }
     if (event->key() >= Qt::Key_F1 && event->key() <= Qt::Key_F12) {
         event->accept();
         emit functionKeyPressed(event->key());

@@ -5,6 +5,9 @@
 // drop, setText). Enter, clicks, focus changes and function keys are raised as
 // signals so that the form's handlers stay in the form.
 //
+// GS, which a GS1 scanner sends between fields, is kept as its visible sign
+// (U+241D) rather than refused.
+//
 // A scan is what came into the field since the last Enter. When every
 // character of it was refused, Enter raises refusedScanEntered instead of
 // enterPressed: the text still standing in the field is not scanned again.
@@ -17,7 +20,7 @@ public:
 
     // True for a character that never reaches a scan field.
     static bool isRefused(QChar c);
-    // The text without the refused characters.
+    // The text without the refused characters, GS as its sign.
     static QString cleaned(const QString& text);
 
     // What the field's own key and text handling tell of the scan: a

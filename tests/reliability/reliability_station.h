@@ -151,25 +151,20 @@ protected:
         }, QStringLiteral("click %1").arg(button->objectName()));
     }
 
-    QString barcodeOf(int itemId) const
-    {
-        return dbValue(QStringLiteral("SELECT FBarCode FROM t_Barcode WHERE FItemID = ? ORDER BY FID"), {itemId}).toString();
-    }
-
     StationSnapshot snapshot() const
     {
         const frmPickigGoods& f = *m_form;
         StationSnapshot s;
-        s.currentOrder = f.CurrentOrderCode;
-        s.orderNum = f.lblOrderNum->text();
-        s.pickedNum = f.lblPickedNum->text();
-        s.pickInfo = f.lblPickInfo->text();
-        s.webshop = f.txtWebshop->text();
-        s.picked = f.m_PickedNum;
-        s.excess = f.m_ExcessNum;
-        s.error = f.m_ErrorNum;
-        s.missing = f.m_MissingNum;
-        s.passed = f.ImgSuccess->isVisible();
+        s.currentOrder = f.pickingState().CurrentOrderCode();
+        s.orderNum = controls(f).lblOrderNum->text();
+        s.pickedNum = controls(f).lblPickedNum->text();
+        s.pickInfo = controls(f).lblPickInfo->text();
+        s.webshop = controls(f).txtWebshop->text();
+        s.picked = f.pickingState().pickedNum();
+        s.excess = f.pickingState().excessNum();
+        s.error = f.pickingState().errorNum();
+        s.missing = f.pickingState().missingNum();
+        s.passed = controls(f).ImgSuccess->isVisible();
         const RecordList lines = GetGoodsLineSet();
         for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
             const GoodsRecord l = lines.Item(i);
@@ -178,8 +173,8 @@ protected:
                                 l.GetValue(QStringLiteral("GoodsOrderCnt")).toString(), l.GetValue(QStringLiteral("GoodsPickCnt")).toString(),
                                 l.GetValue(QStringLiteral("GoodsCheckedCnt")).toString(), l.GetValue(QStringLiteral("FSeriNum")).toString());
         }
-        s.sessionEntries = f.SessionOrderLog.isNone() ? -1 : f.SessionOrderLog.Count();
-        s.logRows = f.LogList1->allRowTexts();
+        s.sessionEntries = f.pickingState().SessionOrderLog().isNone() ? -1 : f.pickingState().SessionOrderLog().Count();
+        s.logRows = controls(f).LogList1->allRowTexts();
         return s;
     }
 

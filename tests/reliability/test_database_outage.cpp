@@ -26,17 +26,17 @@ protected:
 TEST_F(DatabaseOutageTest, AMovedDatabaseFileIsReportedAndTheStationGoesOnWhenItIsBack)
 {
     frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10001"));
-    scan(f.TxtItemID, barcodeOf(1001));
+    scan(controls(f).TxtID, QStringLiteral("10001"));
+    scan(controls(f).TxtItemID, barcodeOf(1001));
     const QString b1008 = barcodeOf(1008), b1014 = barcodeOf(1014);
     const StationSnapshot counted = snapshot();
     m_rec->boxes.clear();
 
     const QString away = m_db + QStringLiteral(".away");
     ASSERT_TRUE(QFile::rename(m_db, away));
-    scan(f.TxtItemID, b1008);
-    scan(f.TxtItemID, QStringLiteral("6930000000000"));
-    scan(f.TxtID, QStringLiteral("10018"));
+    scan(controls(f).TxtItemID, b1008);
+    scan(controls(f).TxtItemID, QStringLiteral("6930000000000"));
+    scan(controls(f).TxtID, QStringLiteral("10018"));
     const QStringList boxes = takeErrorBoxes();
     EXPECT_EQ(boxes.size(), 3) << boxes.join(QLatin1Char('\n')).toStdString();
     // Each names the file the station looked for.
@@ -47,11 +47,11 @@ TEST_F(DatabaseOutageTest, AMovedDatabaseFileIsReportedAndTheStationGoesOnWhenIt
     EXPECT_EQ(snapshot(), counted);
 
     ASSERT_TRUE(QFile::rename(away, m_db));
-    scan(f.TxtItemID, b1008);
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("2/4"));
-    scan(f.TxtItemID, b1014);
-    scan(f.TxtItemID, b1014);
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+    scan(controls(f).TxtItemID, b1008);
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/4"));
+    scan(controls(f).TxtItemID, b1014);
+    scan(controls(f).TxtItemID, b1014);
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_TRUE(takeErrorBoxes().isEmpty());
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/201"));
 }
@@ -59,8 +59,8 @@ TEST_F(DatabaseOutageTest, AMovedDatabaseFileIsReportedAndTheStationGoesOnWhenIt
 TEST_F(DatabaseOutageTest, ALockedDatabaseEndsTheScanAfterTheWaitAndTheNextScanWorks)
 {
     frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10018"));
-    scan(f.TxtItemID, barcodeOf(1002));
+    scan(controls(f).TxtID, QStringLiteral("10018"));
+    scan(controls(f).TxtItemID, barcodeOf(1002));
     const QString b1015 = barcodeOf(1015), b1018 = barcodeOf(1018);
     const StationSnapshot counted = snapshot();
     m_rec->boxes.clear();
@@ -75,7 +75,7 @@ TEST_F(DatabaseOutageTest, ALockedDatabaseEndsTheScanAfterTheWaitAndTheNextScanW
         ASSERT_TRUE(lock.exec(QStringLiteral("UPDATE t_SystemProfile SET FValue = FValue")));
         QElapsedTimer waited;
         waited.start();
-        scan(f.TxtItemID, b1015);
+        scan(controls(f).TxtItemID, b1015);
         const qint64 ms = waited.elapsed();
         const QStringList boxes = takeErrorBoxes();
         ASSERT_EQ(boxes.size(), 1);
@@ -87,8 +87,8 @@ TEST_F(DatabaseOutageTest, ALockedDatabaseEndsTheScanAfterTheWaitAndTheNextScanW
     }
     QSqlDatabase::removeDatabase(QStringLiteral("outage_locker"));
 
-    scan(f.TxtItemID, b1015);
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("2/3"));
+    scan(controls(f).TxtItemID, b1015);
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/3"));
 
     // Another station writes: reads go on, the saves of the pass wait and fail.
     {
@@ -97,8 +97,8 @@ TEST_F(DatabaseOutageTest, ALockedDatabaseEndsTheScanAfterTheWaitAndTheNextScanW
         ASSERT_TRUE(other.open());
         QSqlQuery write(other);
         ASSERT_TRUE(write.exec(QStringLiteral("BEGIN IMMEDIATE")));
-        scan(f.TxtItemID, b1018);
-        EXPECT_TRUE(f.ImgSuccess->isVisible());
+        scan(controls(f).TxtItemID, b1018);
+        EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
         const QStringList boxes = takeErrorBoxes();
         EXPECT_GE(boxes.size(), 1);
         for (const QString& text : boxes)
@@ -110,9 +110,9 @@ TEST_F(DatabaseOutageTest, ALockedDatabaseEndsTheScanAfterTheWaitAndTheNextScanW
     EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("0/0"));
 
     // Back to normal: the order is verified again from the start and lands.
-    click(f.CmdBtnRePick);
+    click(controls(f).CmdBtnRePick);
     for (int item : {1002, 1015, 1018})
-        scan(f.TxtItemID, barcodeOf(item));
+        scan(controls(f).TxtItemID, barcodeOf(item));
     EXPECT_TRUE(takeErrorBoxes().isEmpty());
     EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("1/201"));
 }

@@ -56,20 +56,20 @@ protected:
     void runSessionUpToClose()
     {
         frmPickigGoods& f = open();
-        scan(f.TxtID, QStringLiteral("10001"));
-        scan(f.TxtItemID, m_barcodes[1001]);
-        scan(f.TxtItemID, QStringLiteral("6931000010130"));
-        scan(f.TxtItemID, m_barcodes[1008]);
-        type(f.TxtItemID, m_barcodes[1014]);
-        scan(f.TxtNum, QStringLiteral("2"));
-        click(f.chkHaveSerial);   // scans 10001 again: verified now, refused
-        scan(f.TxtID, QStringLiteral("10021"));
+        scan(controls(f).TxtID, QStringLiteral("10001"));
+        scan(controls(f).TxtItemID, m_barcodes[1001]);
+        scan(controls(f).TxtItemID, QStringLiteral("6931000010130"));
+        scan(controls(f).TxtItemID, m_barcodes[1008]);
+        type(controls(f).TxtItemID, m_barcodes[1014]);
+        scan(controls(f).TxtNum, QStringLiteral("2"));
+        click(controls(f).chkHaveSerial);   // scans 10001 again: verified now, refused
+        scan(controls(f).TxtID, QStringLiteral("10021"));
         for (const char* serial : {"W1-0001", "W1-0002", "PAD-0001"})
-            scan(f.TxtItemID, QString::fromLatin1(serial));
-        click(f.chkHaveSerial);   // back to barcodes: 10021 is refused now
-        scan(f.TxtID, QStringLiteral("10001"));
-        click(f.CmdBtnRePick);
-        scan(f.TxtItemID, m_barcodes[1001]);
+            scan(controls(f).TxtItemID, QString::fromLatin1(serial));
+        click(controls(f).chkHaveSerial);   // back to barcodes: 10021 is refused now
+        scan(controls(f).TxtID, QStringLiteral("10001"));
+        click(controls(f).CmdBtnRePick);
+        scan(controls(f).TxtItemID, m_barcodes[1001]);
     }
 
     // The close question of the unfinished order is answered No.
@@ -88,14 +88,14 @@ protected:
     {
         SCOPED_TRACE(after);
         frmPickigGoods& f = *m_form;
-        if (f.chkHaveSerial->isChecked())
-            click(f.chkHaveSerial);
-        scan(f.TxtID, QStringLiteral("10018"));
-        ASSERT_EQ(f.lblOrderNum->text(), QStringLiteral("3"));
+        if (controls(f).chkHaveSerial->isChecked())
+            click(controls(f).chkHaveSerial);
+        scan(controls(f).TxtID, QStringLiteral("10018"));
+        ASSERT_EQ(controls(f).lblOrderNum->text(), QStringLiteral("3"));
         for (int item : {1002, 1015, 1018})
-            scan(f.TxtItemID, m_barcodes[item]);
-        EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("3/3"));
-        EXPECT_TRUE(f.ImgSuccess->isVisible());
+            scan(controls(f).TxtItemID, m_barcodes[item]);
+        EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("3/3"));
+        EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
         EXPECT_TRUE(pickingOf(QStringLiteral("10018")).startsWith(QStringLiteral("1/")));
         EXPECT_EQ(dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FUniqueCode = '10018'")).toInt(),
                   delivers ? 1 : 0);
@@ -174,8 +174,8 @@ TEST_F(FaultInjectionTest, TheSessionWithoutFaultsReachesEveryKindOfCall)
     EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("1/201"));
     expectSerialRowsAllOrNothing("clean run");
     EXPECT_EQ(dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ErpOrderSerial")).toInt(), 3);
-    EXPECT_EQ(f.CurrentOrderCode, QStringLiteral("10001"));
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("1/4"));
+    EXPECT_EQ(f.pickingState().CurrentOrderCode(), QStringLiteral("10001"));
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("1/4"));
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("0/0"));
     EXPECT_TRUE(closeSession());
     EXPECT_TRUE(m_rec->boxes.size() == 1 && m_rec->boxes[0].flags == (MsgBox::YesNo | MsgBox::Question))
@@ -235,7 +235,7 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
 
         runSessionUpToClose();
         // The picker the station showed: none when it could not be read.
-        const int stationPicker = m_form->m_EmployeeTag.toInt();
+        const int stationPicker = controls(m_form).TxtEmployee->property("Tag").toInt();
         std::printf("  fault at %s #%d\n", qPrintable(site.name.left(110)), site.number);
         const bool firedBeforeClose = !m_faults.failures().isEmpty();
         const bool settingLost = site.name.contains(QStringLiteral("t_SystemProfile"));
@@ -262,10 +262,11 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
         } else {
             // One box names the failure; it is titled as every error box is.
             EXPECT_EQ(boxes.size(), 1) << boxTexts().join(QLatin1Char('\n')).toStdString();
-            for (const ShownBox& box : m_rec->boxes)
+            for (const ShownBox& box : m_rec->boxes) {
                 if (box.text.contains(HostFaultInjector::FaultMarker)) {
                     EXPECT_EQ(box.title, kTitle);
                 }
+            }
         }
         expectNothingHalfWritten(trace, stationPicker);
         const QString statuses = dbValue(QStringLiteral("SELECT group_concat(IFNULL(FPIckingGoodsStatus,'n'), '') FROM IC_Web2ERPOrders "
@@ -303,8 +304,8 @@ TEST_F(FaultInjectionTest, AFailureInTheMiddleOfAnOrderKeepsWhatWasCounted)
 {
     loadBarcodes();
     frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10001"));
-    scan(f.TxtItemID, m_barcodes[1001]);
+    scan(controls(f).TxtID, QStringLiteral("10001"));
+    scan(controls(f).TxtItemID, m_barcodes[1001]);
     const StationSnapshot counted = snapshot();
     ASSERT_EQ(counted.pickedNum, QStringLiteral("1/4"));
     const QString executeSql = HostFaultInjector::key(ProgIds::GetData, "ExecuteSQL");
@@ -317,29 +318,29 @@ TEST_F(FaultInjectionTest, AFailureInTheMiddleOfAnOrderKeepsWhatWasCounted)
         QString code;
     };
     const QList<Case> cases{
-        {"barcode lookup of a goods scan", executeSql, f.TxtItemID, m_barcodes[1008]},
-        {"order lookup of a code that is no goods", header, f.TxtItemID, QStringLiteral("6930000000000")},
-        {"verdict of the order being left", executeSql, f.TxtID, QStringLiteral("10018")},
-        {"typed quantity's goods scan", executeSql, f.TxtNum, QStringLiteral("2")},
+        {"barcode lookup of a goods scan", executeSql, controls(f).TxtItemID, m_barcodes[1008]},
+        {"order lookup of a code that is no goods", header, controls(f).TxtItemID, QStringLiteral("6930000000000")},
+        {"verdict of the order being left", executeSql, controls(f).TxtID, QStringLiteral("10018")},
+        {"typed quantity's goods scan", executeSql, controls(f).TxtNum, QStringLiteral("2")},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         m_rec->boxes.clear();
         m_faults.arm(c.key, m_faults.count(c.key) + 1);
-        if (c.field == f.TxtNum)
-            type(f.TxtItemID, m_barcodes[1014]);
+        if (c.field == controls(f).TxtNum)
+            type(controls(f).TxtItemID, m_barcodes[1014]);
         scan(c.field, c.code);
         EXPECT_EQ(faultBoxes().size(), 1) << boxTexts().join(QLatin1Char('\n')).toStdString();
         EXPECT_EQ(snapshot(), counted);
-        EXPECT_EQ(f.TxtNum->text(), QStringLiteral("1"));
+        EXPECT_EQ(controls(f).TxtNum->text(), QStringLiteral("1"));
     }
 
     // Nothing was lost: the rest of the order passes as if no call had failed.
     m_rec->boxes.clear();
     for (int item : {1008, 1014, 1014})
-        scan(f.TxtItemID, m_barcodes[item]);
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("4/4"));
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+        scan(controls(f).TxtItemID, m_barcodes[item]);
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("4/4"));
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/201"));
     EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
 }
@@ -366,15 +367,15 @@ TEST_F(FaultInjectionTest, SavesThatFailAtThePassAreReportedAndTheOrderStaysPass
         SCOPED_TRACE(c.what);
         freshDatabase();
         frmPickigGoods& f = open();
-        scan(f.TxtID, QStringLiteral("10018"));
-        scan(f.TxtItemID, m_barcodes[1002]);
-        scan(f.TxtItemID, m_barcodes[1015]);
+        scan(controls(f).TxtID, QStringLiteral("10018"));
+        scan(controls(f).TxtItemID, m_barcodes[1002]);
+        scan(controls(f).TxtItemID, m_barcodes[1015]);
         if (c.failSave)
             m_faults.arm(save, m_faults.count(save) + 1);
         if (c.failDelivery)
             m_faults.arm(deliver, m_faults.count(deliver) + 1);
         const int deliveriesBefore = m_faults.count(deliver);
-        scan(f.TxtItemID, m_barcodes[1018]);
+        scan(controls(f).TxtItemID, m_barcodes[1018]);
 
         // One box for the one failure the worker must hear of; a delivery is
         // not even tried for an order the server did not take as verified.
@@ -385,20 +386,20 @@ TEST_F(FaultInjectionTest, SavesThatFailAtThePassAreReportedAndTheOrderStaysPass
                   c.delivered);
         expectNothingHalfWritten(c.what);
         // The station shows the pass all the same, its counts as the clean pass left them.
-        EXPECT_TRUE(f.ImgSuccess->isVisible());
-        EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("3/3"));
-        ASSERT_EQ(f.SessionOrderLog.Count(), 1);
-        EXPECT_TRUE(f.SessionOrderLog.Item(0).GetValue(QStringLiteral("bSuccess")).toBool());
+        EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
+        EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("3/3"));
+        ASSERT_EQ(f.pickingState().SessionOrderLog().Count(), 1);
+        EXPECT_TRUE(f.pickingState().SessionOrderLog().Item(0).GetValue(QStringLiteral("bSuccess")).toBool());
         if (clean.currentOrder.isEmpty())
             clean = snapshot();
         EXPECT_EQ(snapshot(), clean);
 
         // A re-pick and a new pass save everything.
         m_faults.disarm();
-        click(f.CmdBtnRePick);
+        click(controls(f).CmdBtnRePick);
         m_rec->boxes.clear();
         for (int item : {1002, 1015, 1018})
-            scan(f.TxtItemID, m_barcodes[item]);
+            scan(controls(f).TxtItemID, m_barcodes[item]);
         EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
         EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("1/201"));
         EXPECT_EQ(dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FUniqueCode = '10018'")).toInt(), 1);

@@ -40,12 +40,17 @@ QList<Payload> hostilePayloads()
 
 // What the field keeps of a text: the station's own rule, written out here
 // independently of the field: no quote or look-alike, no control or format
-// character, no line or paragraph separator, no surrogate.
+// character, no line or paragraph separator, no surrogate; GS (between the
+// fields of a GS1 code) is kept as its visible sign.
 QString keptOf(const QString& text)
 {
     static const QString lookAlikes = QStringLiteral("'\u2018\u2019\u201B\u2032\u02BC\uFF07");
     QString kept;
     for (QChar c : text) {
+        if (c.unicode() == 0x1D) {
+            kept += QChar(0x241D);
+            continue;
+        }
         if (lookAlikes.contains(c) || c.isSurrogate())
             continue;
         const QChar::Category cat = c.category();
@@ -128,10 +133,11 @@ protected:
         m_seenCalls = m_faults.calls().size();
         for (const SqlTraceStatement& statement : SqlStatementTrace::takeCaptured()) {
             EXPECT_FALSE(statement.sql.contains(kMarker)) << statement.sql.left(400).toStdString();
-            for (const QVariant& value : statement.params)
+            for (const QVariant& value : statement.params) {
                 if (value.toString().contains(kMarker)) {
                     EXPECT_EQ(value.toString(), code);
                 }
+            }
         }
         if (!code.isEmpty()) {
             EXPECT_GT(carried, 0) << "the code never reached a statement";
@@ -161,11 +167,11 @@ TEST_F(HostileInputTest, NoCharacterThatCouldEndALiteralReachesAField)
             continue;   // halves come in below, alone
         const QString one = QString::fromUcs4(&cp, 1);
         const QString text = QStringLiteral("a") + one + QStringLiteral("b");
-        f.TxtItemID->setText(text);
-        const QString byText = f.TxtItemID->text();
-        f.TxtItemID->clear();
-        f.TxtItemID->insert(text);
-        const QString byInsert = f.TxtItemID->text();
+        controls(f).TxtItemID->setText(text);
+        const QString byText = controls(f).TxtItemID->text();
+        controls(f).TxtItemID->clear();
+        controls(f).TxtItemID->insert(text);
+        const QString byInsert = controls(f).TxtItemID->text();
         if (byText != keptOf(text) || byInsert != keptOf(text))
             broken << QStringLiteral("U+%1 -> %2 / %3").arg(quint32(cp), 4, 16, QLatin1Char('0')).arg(byText, byInsert);
         refusedInBmp += cp < 0x10000 && byText.size() == 2 ? 1 : 0;
@@ -173,8 +179,8 @@ TEST_F(HostileInputTest, NoCharacterThatCouldEndALiteralReachesAField)
     qInstallMessageHandler(previous);
     // A lone half of a surrogate pair, as a broken scanner might send it.
     for (QChar half : {QChar(0xD83D), QChar(0xDE00)}) {
-        f.TxtItemID->setText(QStringLiteral("a") + half + QStringLiteral("b"));
-        if (f.TxtItemID->text() != QStringLiteral("ab"))
+        controls(f).TxtItemID->setText(QStringLiteral("a") + half + QStringLiteral("b"));
+        if (controls(f).TxtItemID->text() != QStringLiteral("ab"))
             broken << QStringLiteral("lone surrogate kept");
     }
     EXPECT_TRUE(broken.isEmpty()) << broken.mid(0, 20).join(QLatin1Char('\n')).toStdString();
@@ -185,7 +191,7 @@ TEST_F(HostileInputTest, NoCharacterThatCouldEndALiteralReachesAField)
     EXPECT_LT(refusedInBmp, 200);
 
     // Typed keys: the quote key and its look-alikes never show, whatever the field.
-    for (ScanLineEdit* field : {f.TxtEmployee, f.TxtID, f.TxtItemID, f.TxtNum}) {
+    for (ScanLineEdit* field : {controls(f).TxtEmployee, controls(f).TxtID, controls(f).TxtItemID, controls(f).TxtNum}) {
         type(field, QStringLiteral("1'2\u20193\uFF074"));
         EXPECT_EQ(field->text(), QStringLiteral("1234")) << field->objectName().toStdString();
     }
@@ -194,16 +200,16 @@ TEST_F(HostileInputTest, NoCharacterThatCouldEndALiteralReachesAField)
 TEST_F(HostileInputTest, HostileGoodsCodesAreAnsweredAndCountNothing)
 {
     frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10001"));
-    scan(f.TxtItemID, barcodeOf(1001));
+    scan(controls(f).TxtID, QStringLiteral("10001"));
+    scan(controls(f).TxtItemID, barcodeOf(1001));
     const StationSnapshot counted = snapshot();
     ASSERT_EQ(counted.pickedNum, QStringLiteral("1/4"));
     const int tables = tableCount();
 
     for (bool serial : {false, true}) {
-        if (serial != f.chkHaveSerial->isChecked()) {
-            click(f.chkHaveSerial);
-            scan(f.TxtID, QStringLiteral("10001"));   // the order comes back from the session log
+        if (serial != controls(f).chkHaveSerial->isChecked()) {
+            click(controls(f).chkHaveSerial);
+            scan(controls(f).TxtID, QStringLiteral("10001"));   // the order comes back from the session log
         }
         const StationSnapshot before = snapshot();
         ASSERT_EQ(before.lines, counted.lines);
@@ -216,15 +222,15 @@ TEST_F(HostileInputTest, HostileGoodsCodesAreAnsweredAndCountNothing)
                 skipCallsSoFar();
                 m_rec->voices.clear();
                 m_rec->boxes.clear();
-                f.SetMessage(QString());
-                enter(f.TxtItemID, p.text, path);
+                controls(f).lblMessage->clear();
+                enter(controls(f).TxtItemID, p.text, path);
                 const QString code = trimBlanks(keptOf(p.text));
-                EXPECT_EQ(f.lblMessage->text(), kUnknownGoods);
+                EXPECT_EQ(controls(f).lblMessage->text(), kUnknownGoods);
                 EXPECT_EQ(m_rec->voices, QStringList{QStringLiteral("\\voice\\findGoods.wav")});
                 EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
                 EXPECT_EQ(snapshot(), before);
-                EXPECT_EQ(f.TxtNum->text(), QStringLiteral("1"));
-                EXPECT_TRUE(f.TxtItemID->hasFocus());
+                EXPECT_EQ(controls(f).TxtNum->text(), QStringLiteral("1"));
+                EXPECT_TRUE(controls(f).TxtItemID->hasFocus());
                 expectCodeStaysOneLiteral(code, trace);
             }
         }
@@ -232,18 +238,18 @@ TEST_F(HostileInputTest, HostileGoodsCodesAreAnsweredAndCountNothing)
     EXPECT_EQ(tableCount(), tables);
 
     // A real barcode with a quote around it is that barcode: the quote is just gone.
-    click(f.chkHaveSerial);
-    scan(f.TxtID, QStringLiteral("10001"));
-    paste(f.TxtItemID, QStringLiteral("'") + barcodeOf(1008) + QStringLiteral("\u2019"));
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("2/4"));
+    click(controls(f).chkHaveSerial);
+    scan(controls(f).TxtID, QStringLiteral("10001"));
+    paste(controls(f).TxtItemID, QStringLiteral("'") + barcodeOf(1008) + QStringLiteral("\u2019"));
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/4"));
 }
 
 TEST_F(HostileInputTest, HostileOrderCodesAreNotFoundAndTheOrderLeftComesBackWhole)
 {
     frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10001"));
-    scan(f.TxtItemID, barcodeOf(1001));
-    scan(f.TxtItemID, barcodeOf(1014));
+    scan(controls(f).TxtID, QStringLiteral("10001"));
+    scan(controls(f).TxtItemID, barcodeOf(1001));
+    scan(controls(f).TxtItemID, barcodeOf(1014));
     const StationSnapshot counted = snapshot();
     const int tables = tableCount();
     const int orders = dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ERPOrders")).toInt();
@@ -256,14 +262,14 @@ TEST_F(HostileInputTest, HostileOrderCodesAreNotFoundAndTheOrderLeftComesBackWho
                 continue;
             skipCallsSoFar();
             m_rec->boxes.clear();
-            enter(f.TxtID, p.text, path);
+            enter(controls(f).TxtID, p.text, path);
             const QString code = trimBlanks(keptOf(p.text));
-            EXPECT_EQ(f.lblMessage->text(), kUnknownOrder);
-            EXPECT_EQ(f.lblOrderNum->text(), QStringLiteral("0"));
+            EXPECT_EQ(controls(f).lblMessage->text(), kUnknownOrder);
+            EXPECT_EQ(controls(f).lblOrderNum->text(), QStringLiteral("0"));
             EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
             expectCodeStaysOneLiteral(code, trace);
             // The order left had its verdict logged and comes back as it was.
-            scan(f.TxtID, QStringLiteral("10001"));
+            scan(controls(f).TxtID, QStringLiteral("10001"));
             const StationSnapshot back = snapshot();
             EXPECT_EQ(back.lines, counted.lines);
             EXPECT_EQ(back.pickedNum, counted.pickedNum);
@@ -279,28 +285,28 @@ TEST_F(HostileInputTest, HostileOrderCodesAreNotFoundAndTheOrderLeftComesBackWho
 TEST_F(HostileInputTest, EmptyBlankAndHostileEntriesInEveryFieldAreRefusedOrIgnored)
 {
     frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10001"));
-    scan(f.TxtItemID, barcodeOf(1001));
+    scan(controls(f).TxtID, QStringLiteral("10001"));
+    scan(controls(f).TxtItemID, barcodeOf(1001));
     const StationSnapshot counted = snapshot();
-    const QString employee = f.TxtEmployee->text();
+    const QString employee = controls(f).TxtEmployee->text();
 
     // Empty and blank scans: nothing is looked up, nothing changes.
     for (const QString& blank : {QString(), QStringLiteral("    ")}) {
-        for (ScanLineEdit* field : {f.TxtItemID, f.TxtEmployee}) {
+        for (ScanLineEdit* field : {controls(f).TxtItemID, controls(f).TxtEmployee}) {
             SCOPED_TRACE(field->objectName().toStdString() + " [" + blank.toStdString() + "]");
             skipCallsSoFar();
-            f.SetMessage(QString());
+            controls(f).lblMessage->clear();
             enter(field, blank, Path::Typed);
             EXPECT_EQ(m_faults.calls().size(), m_seenCalls) << "a blank scan reached the middle tier";
-            EXPECT_EQ(f.lblMessage->text(), QString());
+            EXPECT_EQ(controls(f).lblMessage->text(), QString());
             EXPECT_EQ(snapshot(), counted);
         }
     }
     // A blank order code logs the verdict of the order on the station and loads nothing.
-    scan(f.TxtID, QStringLiteral("   "));
-    EXPECT_EQ(f.CurrentOrderCode, QStringLiteral("10001"));
+    scan(controls(f).TxtID, QStringLiteral("   "));
+    EXPECT_EQ(f.pickingState().CurrentOrderCode(), QStringLiteral("10001"));
     EXPECT_EQ(snapshot().lines, counted.lines);
-    EXPECT_EQ(f.SessionOrderLog.Count(), 1);
+    EXPECT_EQ(f.pickingState().SessionOrderLog().Count(), 1);
     const StationSnapshot logged = snapshot();
     EXPECT_EQ(logged.missing, 3);
 
@@ -323,60 +329,61 @@ TEST_F(HostileInputTest, EmptyBlankAndHostileEntriesInEveryFieldAreRefusedOrIgno
                 continue;
             SCOPED_TRACE("TxtNum [" + q.text.left(20).toStdString() + "] path " + std::to_string(int(path)));
             m_rec->boxes.clear();
-            f.SetMessage(QString());
-            type(f.TxtItemID, barcode);
+            controls(f).lblMessage->clear();
+            type(controls(f).TxtItemID, barcode);
             if (path == Path::Typed) {
-                type(f.TxtNum, q.text);
+                type(controls(f).TxtNum, q.text);
             } else {
-                paste(f.TxtNum, q.text, false);
+                paste(controls(f).TxtNum, q.text, false);
             }
-            const QString message = f.lblMessage->text();
-            press(f.TxtNum, Qt::Key_Return);
+            const QString message = controls(f).lblMessage->text();
+            press(controls(f).TxtNum, Qt::Key_Return);
             EXPECT_EQ(snapshot(), logged);
             EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
             // Text that is no number is refused as it comes in or at Enter.
             if (!IsNumeric(q.text)) {
-                EXPECT_TRUE(message == kNotNumeric || f.lblMessage->text() == kNotNumeric) << f.lblMessage->text().toStdString();
+                EXPECT_TRUE(message == kNotNumeric || controls(f).lblMessage->text() == kNotNumeric)
+                    << controls(f).lblMessage->text().toStdString();
             }
         }
     }
     // The employee field takes any text but never runs a statement on it.
     skipCallsSoFar();
     for (const Payload& p : hostilePayloads()) {
-        paste(f.TxtEmployee, p.text);
-        EXPECT_EQ(f.TxtEmployee->text(), keptOf(p.text)) << p.name;
+        paste(controls(f).TxtEmployee, p.text);
+        EXPECT_EQ(controls(f).TxtEmployee->text(), keptOf(p.text)) << p.name;
     }
     EXPECT_EQ(m_faults.calls().size(), m_seenCalls);
     EXPECT_EQ(snapshot(), logged);
     // The order goes on where it was, once the worker types a quantity again
     // (a refused one leaves the field empty, and an empty quantity scans nothing).
-    f.TxtEmployee->setText(employee);
-    EXPECT_EQ(f.TxtNum->text(), QString());
-    scan(f.TxtItemID, barcode);
-    EXPECT_EQ(f.lblMessage->text(), kNotNumeric);
+    controls(f).TxtEmployee->setText(employee);
+    EXPECT_EQ(controls(f).TxtNum->text(), QString());
+    scan(controls(f).TxtItemID, barcode);
+    EXPECT_EQ(controls(f).lblMessage->text(), kNotNumeric);
     EXPECT_EQ(snapshot(), logged);
-    type(f.TxtNum, QStringLiteral("1"));
-    scan(f.TxtItemID, barcode);
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("2/4"));
-    type(f.TxtItemID, barcodeOf(1014));
-    paste(f.TxtNum, QStringLiteral("2"), false);
-    press(f.TxtNum, Qt::Key_Return);
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("4/4"));
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+    type(controls(f).TxtNum, QStringLiteral("1"));
+    scan(controls(f).TxtItemID, barcode);
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/4"));
+    type(controls(f).TxtItemID, barcodeOf(1014));
+    paste(controls(f).TxtNum, QStringLiteral("2"), false);
+    press(controls(f).TxtNum, Qt::Key_Return);
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("4/4"));
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
 }
 
 TEST_F(HostileInputTest, AVeryLongCodeTypedKeyByKeyIsHandledInReasonableTime)
 {
     frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10001"));
+    scan(controls(f).TxtID, QStringLiteral("10001"));
     const QString code = kMarker + QString(9997, QLatin1Char('7'));
     QElapsedTimer timer;
     timer.start();
     skipCallsSoFar();
-    scan(f.TxtItemID, code);
+    scan(controls(f).TxtItemID, code);
     const qint64 ms = timer.elapsed();
     std::printf("a 10,000-character code typed key by key and scanned: %lld ms\n", static_cast<long long>(ms));
-    EXPECT_EQ(f.lblMessage->text(), kUnknownGoods);
+    EXPECT_EQ(controls(f).lblMessage->text(), kUnknownGoods);
     expectCodeStaysOneLiteral(code, "long typed code");
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("0/"));
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("0/"));
 }

@@ -90,27 +90,27 @@ TEST_F(LoadTest, TenThousandScansKeepMemoryHandlesAndTheLogSteady)
     // One round of an order: bring it on the station fresh (re-pick once it
     // has passed), one wrong scan, then every unit.
     auto round = [&](const LoadOrder& order) {
-        scan(f.TxtID, order.code);
+        scan(controls(f).TxtID, order.code);
         ++scans;
-        if (f.lblMessage->text() == QStringLiteral("此单已校验通过")) {
-            f.TxtID->setText(order.code);
-            click(f.CmdBtnRePick);
+        if (controls(f).lblMessage->text() == QStringLiteral("此单已校验通过")) {
+            controls(f).TxtID->setText(order.code);
+            click(controls(f).CmdBtnRePick);
         }
         const int total = int(order.goods.size());
-        if (f.lblOrderNum->text() != QString::number(total) || f.lblPickedNum->text() != QStringLiteral("0/")) {
-            problems << QStringLiteral("%1 did not load fresh: %2 %3").arg(order.code, f.lblOrderNum->text(), f.lblPickedNum->text());
+        if (controls(f).lblOrderNum->text() != QString::number(total) || controls(f).lblPickedNum->text() != QStringLiteral("0/")) {
+            problems << QStringLiteral("%1 did not load fresh: %2 %3").arg(order.code, controls(f).lblOrderNum->text(), controls(f).lblPickedNum->text());
             return;
         }
-        scan(f.TxtItemID, kWrongGoods);
+        scan(controls(f).TxtItemID, kWrongGoods);
         ++scans;
-        if (f.lblPickInfo->text() != QStringLiteral("非本单商品"))
+        if (controls(f).lblPickInfo->text() != QStringLiteral("非本单商品"))
             problems << order.code + QStringLiteral(": the wrong scan was not refused");
         for (const QString& barcode : order.goods) {
-            scan(f.TxtItemID, barcode);
+            scan(controls(f).TxtItemID, barcode);
             ++scans;
         }
-        if (!f.ImgSuccess->isVisible() || f.lblPickedNum->text() != QStringLiteral("%1/%1").arg(total))
-            problems << QStringLiteral("%1 did not pass: %2").arg(order.code, f.lblPickedNum->text());
+        if (!controls(f).ImgSuccess->isVisible() || controls(f).lblPickedNum->text() != QStringLiteral("%1/%1").arg(total))
+            problems << QStringLiteral("%1 did not pass: %2").arg(order.code, controls(f).lblPickedNum->text());
         else
             ++passes;
         // What the station's own event loop does between two scans: tiles let
@@ -119,10 +119,10 @@ TEST_F(LoadTest, TenThousandScansKeepMemoryHandlesAndTheLogSteady)
         // The injector's call log would be the one thing here that grows.
         m_faults.resetCounts();
         // Re-picked orders start over in the log: one entry per order, always.
-        if (f.SessionOrderLog.Count() != f.SessionOrderKeys.Count() || f.SessionOrderLog.Count() > orders.size())
-            problems << QStringLiteral("session log of %1 entries for %2 orders").arg(f.SessionOrderLog.Count()).arg(f.SessionOrderKeys.Count());
-        if (f.SessionOrderLog.Count() >= 2 && f.LogList1->shownCount() != f.SessionOrderLog.Count())
-            problems << QStringLiteral("log pane shows %1 of %2").arg(f.LogList1->shownCount()).arg(f.SessionOrderLog.Count());
+        if (f.pickingState().SessionOrderLog().Count() != f.pickingState().SessionOrderKeys().Count() || f.pickingState().SessionOrderLog().Count() > orders.size())
+            problems << QStringLiteral("session log of %1 entries for %2 orders").arg(f.pickingState().SessionOrderLog().Count()).arg(f.pickingState().SessionOrderKeys().Count());
+        if (f.pickingState().SessionOrderLog().Count() >= 2 && controls(f).LogList1->shownCount() != f.pickingState().SessionOrderLog().Count())
+            problems << QStringLiteral("log pane shows %1 of %2").arg(controls(f).LogList1->shownCount()).arg(f.pickingState().SessionOrderLog().Count());
     };
 
     // Warm-up: every order once, so that caches, pictures and prepared
@@ -156,8 +156,8 @@ TEST_F(LoadTest, TenThousandScansKeepMemoryHandlesAndTheLogSteady)
     EXPECT_TRUE(problems.isEmpty()) << problems.join(QLatin1Char('\n')).toStdString();
     EXPECT_GE(done, target);
     EXPECT_LE(fdEnd, fdStart) << "file handles left open";
-    EXPECT_EQ(f.SessionOrderLog.Count(), orders.size());
-    EXPECT_EQ(f.LogList1->shownCount(), orders.size());
+    EXPECT_EQ(f.pickingState().SessionOrderLog().Count(), orders.size());
+    EXPECT_EQ(controls(f).LogList1->shownCount(), orders.size());
     EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().mid(0, 5).join(QLatin1Char('\n')).toStdString();
     // A sanitizer keeps freed memory aside for a while: its RSS says nothing.
     // The first rounds fill the tile pictures' cache (64 MB at most: each load

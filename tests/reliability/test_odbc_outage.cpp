@@ -66,25 +66,25 @@ TEST_P(OdbcOutageTest, AFileRemovedOrMadeUnreadableIsReportedAndOpenedAgainOnThe
 {
     publishWithPassword();
     frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10001"));
-    scan(f.TxtItemID, barcodeOf(1001));
+    scan(controls(f).TxtID, QStringLiteral("10001"));
+    scan(controls(f).TxtItemID, barcodeOf(1001));
     const QString b1008 = barcodeOf(1008), b1014 = barcodeOf(1014);
     StationSnapshot counted = snapshot();
-    ASSERT_EQ(f.lblPickedNum->text(), QStringLiteral("1/4"));
+    ASSERT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("1/4"));
     ASSERT_TRUE(takeErrorBoxes().isEmpty());
 
     // removed: the open connection is let go of, no empty file is made
     const QString away = m_db + QStringLiteral(".away");
     ASSERT_TRUE(QFile::rename(m_db, away));
-    scan(f.TxtItemID, b1008);
+    scan(controls(f).TxtItemID, b1008);
     QStringList boxes = takeErrorBoxes();
     ASSERT_EQ(boxes.size(), 1);
     EXPECT_TRUE(boxes[0].contains(m_db)) << boxes[0].toStdString();
     EXPECT_FALSE(QFileInfo::exists(m_db));
     EXPECT_EQ(snapshot(), counted);
     ASSERT_TRUE(QFile::rename(away, m_db));
-    scan(f.TxtItemID, b1008);
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("2/4"));
+    scan(controls(f).TxtItemID, b1008);
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/4"));
     EXPECT_TRUE(takeErrorBoxes().isEmpty());
 
     // unreadable: the same, and the same file serves again once readable
@@ -92,23 +92,23 @@ TEST_P(OdbcOutageTest, AFileRemovedOrMadeUnreadableIsReportedAndOpenedAgainOnThe
     {
         UnreadableFile locked(m_db);
         ASSERT_TRUE(locked.effective()) << locked.error().toStdString();
-        scan(f.TxtItemID, b1014);
+        scan(controls(f).TxtItemID, b1014);
         boxes = takeErrorBoxes();
         ASSERT_EQ(boxes.size(), 1);
         EXPECT_TRUE(boxes[0].contains(m_db)) << boxes[0].toStdString();
         EXPECT_EQ(snapshot(), counted);
     }
-    scan(f.TxtItemID, b1014);
-    scan(f.TxtItemID, b1014);
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+    scan(controls(f).TxtItemID, b1014);
+    scan(controls(f).TxtItemID, b1014);
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_TRUE(takeErrorBoxes().isEmpty());
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/201"));
 
     // and the next order passes
-    scan(f.TxtID, QStringLiteral("10018"));
+    scan(controls(f).TxtID, QStringLiteral("10018"));
     for (int item : {1002, 1015, 1018})
-        scan(f.TxtItemID, barcodeOf(item));
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+        scan(controls(f).TxtItemID, barcodeOf(item));
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_TRUE(takeErrorBoxes().isEmpty());
     EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("1/201"));
 }
@@ -116,11 +116,11 @@ TEST_P(OdbcOutageTest, AFileRemovedOrMadeUnreadableIsReportedAndOpenedAgainOnThe
 TEST_P(OdbcOutageTest, ASerialBatchRefusedHalfwayLeavesTheRowsOfTheFirstPass)
 {
     frmPickigGoods& f = open();
-    click(f.chkHaveSerial);
-    scan(f.TxtID, QStringLiteral("10021"));
+    click(controls(f).chkHaveSerial);
+    scan(controls(f).TxtID, QStringLiteral("10021"));
     for (const QString& serial : {QStringLiteral("W1-0001"), QStringLiteral("W1-0002"), QStringLiteral("PAD-0001")})
-        scan(f.TxtItemID, serial);
-    ASSERT_TRUE(f.ImgSuccess->isVisible());
+        scan(controls(f).TxtItemID, serial);
+    ASSERT_TRUE(controls(f).ImgSuccess->isVisible());
     const QString first = storedSerials();
     ASSERT_EQ(first, QStringLiteral("53:W1-0001 53:W1-0002 54:PAD-0001"));
     ASSERT_TRUE(takeErrorBoxes().isEmpty());
@@ -129,9 +129,9 @@ TEST_P(OdbcOutageTest, ASerialBatchRefusedHalfwayLeavesTheRowsOfTheFirstPass)
     // both deletes and two inserts have run.
     dbExec(QStringLiteral("CREATE TRIGGER refuse_pad BEFORE INSERT ON IC_Web2ErpOrderSerial "
                           "WHEN NEW.FSerialNumber = 'PAD-0002' BEGIN SELECT RAISE(ABORT, 'serial refused by the warehouse'); END"));
-    click(f.CmdBtnRePick);
+    click(controls(f).CmdBtnRePick);
     for (const QString& serial : {QStringLiteral("W1-0003"), QStringLiteral("W1-0001"), QStringLiteral("PAD-0002")})
-        scan(f.TxtItemID, serial);
+        scan(controls(f).TxtItemID, serial);
     const QStringList boxes = takeErrorBoxes();
     ASSERT_EQ(boxes.size(), 1) << boxes.join(QLatin1Char('\n')).toStdString();
     EXPECT_TRUE(boxes[0].contains(QStringLiteral("serial refused by the warehouse"))) << boxes[0].toStdString();
@@ -139,10 +139,10 @@ TEST_P(OdbcOutageTest, ASerialBatchRefusedHalfwayLeavesTheRowsOfTheFirstPass)
 
     // without the fault the order lands with its new rows
     dbExec(QStringLiteral("DROP TRIGGER refuse_pad"));
-    click(f.CmdBtnRePick);
+    click(controls(f).CmdBtnRePick);
     for (const QString& serial : {QStringLiteral("W1-0003"), QStringLiteral("W1-0001"), QStringLiteral("PAD-0002")})
-        scan(f.TxtItemID, serial);
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+        scan(controls(f).TxtItemID, serial);
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_TRUE(takeErrorBoxes().isEmpty());
     EXPECT_EQ(storedSerials(), QStringLiteral("53:W1-0001 53:W1-0003 54:PAD-0002"));
 }
@@ -157,8 +157,8 @@ TEST_P(OdbcLockTest, ALockedDatabaseIsReportedAfterTheWaitAndTheStationGoesOn)
 {
     publishWithPassword();
     frmPickigGoods& f = open();
-    scan(f.TxtID, QStringLiteral("10018"));
-    scan(f.TxtItemID, barcodeOf(1002));
+    scan(controls(f).TxtID, QStringLiteral("10018"));
+    scan(controls(f).TxtItemID, barcodeOf(1002));
     const QString b1015 = barcodeOf(1015), b1018 = barcodeOf(1018);
     const StationSnapshot counted = snapshot();
     ASSERT_TRUE(takeErrorBoxes().isEmpty());
@@ -173,7 +173,7 @@ TEST_P(OdbcLockTest, ALockedDatabaseIsReportedAfterTheWaitAndTheStationGoesOn)
         ASSERT_TRUE(lock.exec(QStringLiteral("UPDATE t_SystemProfile SET FValue = FValue")));
         QElapsedTimer waited;
         waited.start();
-        scan(f.TxtItemID, b1015);
+        scan(controls(f).TxtItemID, b1015);
         const qint64 ms = waited.elapsed();
         const QStringList boxes = takeErrorBoxes();
         ASSERT_EQ(boxes.size(), 1);
@@ -184,8 +184,8 @@ TEST_P(OdbcLockTest, ALockedDatabaseIsReportedAfterTheWaitAndTheStationGoesOn)
         other.close();
     }
     QSqlDatabase::removeDatabase(QStringLiteral("odbc_locker"));
-    scan(f.TxtItemID, b1015);
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("2/3"));
+    scan(controls(f).TxtItemID, b1015);
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/3"));
 
     // another station writes: reads go on, the saves of the pass wait and fail
     {
@@ -194,8 +194,8 @@ TEST_P(OdbcLockTest, ALockedDatabaseIsReportedAfterTheWaitAndTheStationGoesOn)
         ASSERT_TRUE(other.open());
         QSqlQuery write(other);
         ASSERT_TRUE(write.exec(QStringLiteral("BEGIN IMMEDIATE")));
-        scan(f.TxtItemID, b1018);
-        EXPECT_TRUE(f.ImgSuccess->isVisible());
+        scan(controls(f).TxtItemID, b1018);
+        EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
         const QStringList boxes = takeErrorBoxes();
         EXPECT_GE(boxes.size(), 1);
         for (const QString& text : boxes)
@@ -207,9 +207,9 @@ TEST_P(OdbcLockTest, ALockedDatabaseIsReportedAfterTheWaitAndTheStationGoesOn)
     EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("0/0"));
 
     // back to normal: verified again from the start, and it lands
-    click(f.CmdBtnRePick);
+    click(controls(f).CmdBtnRePick);
     for (int item : {1002, 1015, 1018})
-        scan(f.TxtItemID, barcodeOf(item));
+        scan(controls(f).TxtItemID, barcodeOf(item));
     EXPECT_TRUE(takeErrorBoxes().isEmpty());
     EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("1/201"));
 }

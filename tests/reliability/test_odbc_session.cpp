@@ -53,20 +53,20 @@ protected:
     {
         const frmPickigGoods& f = *m_form;
         QStringList s{step,
-                      QStringLiteral("order=") + f.CurrentOrderCode,
-                      QStringLiteral("TxtID=") + f.TxtID->text(),
-                      QStringLiteral("TxtItemID=") + f.TxtItemID->text(),
-                      QStringLiteral("TxtNum=") + f.TxtNum->text(),
-                      QStringLiteral("TxtEmployee=") + f.TxtEmployee->text(),
-                      QStringLiteral("webshop=") + f.txtWebshop->text(),
-                      QStringLiteral("message=") + f.lblMessage->text(),
-                      QStringLiteral("info=") + f.lblPickInfo->text(),
-                      QStringLiteral("total=") + f.lblOrderNum->text(),
-                      QStringLiteral("picked=") + f.lblPickedNum->text(),
-                      QStringLiteral("counts=%1/%2/%3/%4").arg(f.m_PickedNum).arg(f.m_ExcessNum).arg(f.m_ErrorNum).arg(f.m_MissingNum),
-                      QStringLiteral("passed=%1").arg(f.ImgSuccess->isVisible()),
+                      QStringLiteral("order=") + f.pickingState().CurrentOrderCode(),
+                      QStringLiteral("TxtID=") + controls(f).TxtID->text(),
+                      QStringLiteral("TxtItemID=") + controls(f).TxtItemID->text(),
+                      QStringLiteral("TxtNum=") + controls(f).TxtNum->text(),
+                      QStringLiteral("TxtEmployee=") + controls(f).TxtEmployee->text(),
+                      QStringLiteral("webshop=") + controls(f).txtWebshop->text(),
+                      QStringLiteral("message=") + controls(f).lblMessage->text(),
+                      QStringLiteral("info=") + controls(f).lblPickInfo->text(),
+                      QStringLiteral("total=") + controls(f).lblOrderNum->text(),
+                      QStringLiteral("picked=") + controls(f).lblPickedNum->text(),
+                      QStringLiteral("counts=%1/%2/%3/%4").arg(f.pickingState().pickedNum()).arg(f.pickingState().excessNum()).arg(f.pickingState().errorNum()).arg(f.pickingState().missingNum()),
+                      QStringLiteral("passed=%1").arg(controls(f).ImgSuccess->isVisible()),
                       QStringLiteral("view=") + (f.IsGridView() ? QStringLiteral("grid") : QStringLiteral("tiles")),
-                      QStringLiteral("options=%1%2%3").arg(f.chkBarCode->isChecked()).arg(f.chkHaveSerial->isChecked()).arg(int(f.chkShowText->checkState()))};
+                      QStringLiteral("options=%1%2%3").arg(controls(f).chkBarCode->isChecked()).arg(controls(f).chkHaveSerial->isChecked()).arg(int(controls(f).chkShowText->checkState()))};
         const RecordList lines = GetGoodsLineSet();
         for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
             const GoodsRecord line = lines.Item(i);
@@ -75,7 +75,7 @@ protected:
                 entries << line.KeyAt(k) + QLatin1Char('=') + valueText(line.ValueAt(k));
             s << QStringLiteral("line: ") + entries.join(QLatin1Char(' '));
         }
-        for (const QString& row : f.LogList1->allRowTexts())
+        for (const QString& row : controls(f).LogList1->allRowTexts())
             s << QStringLiteral("log: ") + row;
         for (const ShownBox& box : m_rec->boxes)
             s << QStringLiteral("box: %1: %2 (%3)").arg(box.title, box.text).arg(box.flags);
@@ -124,46 +124,46 @@ protected:
         frmPickigGoods* f = &open();
         session.screens << screen(QStringLiteral("open"));
         // goods with Chinese names, passed and sent for delivery
-        step(QStringLiteral("order 10001"), [&] { scan(f->TxtID, QStringLiteral("10001")); });
+        step(QStringLiteral("order 10001"), [&] { scan(controls(f).TxtID, QStringLiteral("10001")); });
         if (!GetGoodsLineSet().isNone() && GetGoodsLineSet().Count() > 0) {
             session.firstGoodsName = GetGoodsLineSet().Item(0).GetValue(QStringLiteral("GoodsName")).toString();
             session.firstGoodsNameOnFile = dbValue(QStringLiteral("SELECT FName FROM t_ICItem WHERE FItemID = 1001")).toString();
         }
         for (int item : {1001, 1008, 1014, 1014})
-            step(QStringLiteral("goods %1").arg(item), [&] { scan(f->TxtItemID, barcode(item)); });
+            step(QStringLiteral("goods %1").arg(item), [&] { scan(controls(f).TxtItemID, barcode(item)); });
         // a serial order: its rows in one batch
-        step(QStringLiteral("serial mode"), [&] { click(f->chkHaveSerial); });
-        step(QStringLiteral("order 10021"), [&] { scan(f->TxtID, QStringLiteral("10021")); });
+        step(QStringLiteral("serial mode"), [&] { click(controls(f).chkHaveSerial); });
+        step(QStringLiteral("order 10021"), [&] { scan(controls(f).TxtID, QStringLiteral("10021")); });
         for (const QString& serial : {QStringLiteral("W1-0001"), QStringLiteral("W1-0002")})
-            step(serial, [&] { scan(f->TxtItemID, serial); });
+            step(serial, [&] { scan(controls(f).TxtItemID, serial); });
         SqlStatementTrace::setCapturing(true);
-        step(QStringLiteral("PAD-0001"), [&] { scan(f->TxtItemID, QStringLiteral("PAD-0001")); });
+        step(QStringLiteral("PAD-0001"), [&] { scan(controls(f).TxtItemID, QStringLiteral("PAD-0001")); });
         SqlStatementTrace::setCapturing(false);
         session.serialPass = SqlStatementTrace::takeCaptured();
         // re-pick: the rows are replaced, not added to
-        step(QStringLiteral("re-pick"), [&] { click(f->CmdBtnRePick); });
+        step(QStringLiteral("re-pick"), [&] { click(controls(f).CmdBtnRePick); });
         for (const QString& serial : {QStringLiteral("W1-0003"), QStringLiteral("W1-0001"), QStringLiteral("PAD-0002")})
-            step(serial, [&] { scan(f->TxtItemID, serial); });
-        step(QStringLiteral("barcode mode"), [&] { click(f->chkHaveSerial); });
+            step(serial, [&] { scan(controls(f).TxtItemID, serial); });
+        step(QStringLiteral("barcode mode"), [&] { click(controls(f).chkHaveSerial); });
         // NULLs: an item without a row, a web shop without a name, goods without barcode
-        step(QStringLiteral("order 10010"), [&] { scan(f->TxtID, QStringLiteral("10010")); });
-        step(QStringLiteral("order 10020"), [&] { scan(f->TxtID, QStringLiteral("10020")); });
-        step(QStringLiteral("goods 1039"), [&] { scan(f->TxtItemID, barcode(1039)); });
+        step(QStringLiteral("order 10010"), [&] { scan(controls(f).TxtID, QStringLiteral("10010")); });
+        step(QStringLiteral("order 10020"), [&] { scan(controls(f).TxtID, QStringLiteral("10020")); });
+        step(QStringLiteral("goods 1039"), [&] { scan(controls(f).TxtItemID, barcode(1039)); });
         // quantities, goods of another order
-        step(QStringLiteral("order 10002"), [&] { scan(f->TxtID, QStringLiteral("10002")); });
-        step(QStringLiteral("quantity 3"), [&] { type(f->TxtNum, QStringLiteral("3")); });
-        step(QStringLiteral("goods 1005"), [&] { scan(f->TxtItemID, barcode(1005)); });
-        step(QStringLiteral("foreign goods"), [&] { scan(f->TxtItemID, barcode(1013)); });
-        step(QStringLiteral("goods 1016"), [&] { scan(f->TxtItemID, barcode(1016)); });
+        step(QStringLiteral("order 10002"), [&] { scan(controls(f).TxtID, QStringLiteral("10002")); });
+        step(QStringLiteral("quantity 3"), [&] { type(controls(f).TxtNum, QStringLiteral("3")); });
+        step(QStringLiteral("goods 1005"), [&] { scan(controls(f).TxtItemID, barcode(1005)); });
+        step(QStringLiteral("foreign goods"), [&] { scan(controls(f).TxtItemID, barcode(1013)); });
+        step(QStringLiteral("goods 1016"), [&] { scan(controls(f).TxtItemID, barcode(1016)); });
         // the options are saved at the close and read back at the next start
-        step(QStringLiteral("grid"), [&] { click(f->chkShowText); });
-        step(QStringLiteral("all goods"), [&] { click(f->chkBarCode); });
+        step(QStringLiteral("grid"), [&] { click(controls(f).chkShowText); });
+        step(QStringLiteral("all goods"), [&] { click(controls(f).chkBarCode); });
         m_guard.run([&] { closeStation(); }, QStringLiteral("close"));
         session.screens << QStringLiteral("closed=%1").arg(!m_form->isVisible());
         f = &open();
         session.screens << screen(QStringLiteral("reopened"));
-        step(QStringLiteral("order 10011"), [&] { scan(f->TxtID, QStringLiteral("10011")); });
-        step(QStringLiteral("order 10006"), [&] { scan(f->TxtID, QStringLiteral("10006")); });
+        step(QStringLiteral("order 10011"), [&] { scan(controls(f).TxtID, QStringLiteral("10011")); });
+        step(QStringLiteral("order 10006"), [&] { scan(controls(f).TxtID, QStringLiteral("10006")); });
         m_guard.run([&] { closeStation(); }, QStringLiteral("close"));
 
         session.calls = m_faults.calls();

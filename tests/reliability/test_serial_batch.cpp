@@ -16,7 +16,7 @@ protected:
     void scanSerials(frmPickigGoods& f, const QStringList& serials)
     {
         for (const QString& serial : serials)
-            scan(f.TxtItemID, serial);
+            scan(controls(f).TxtItemID, serial);
     }
 };
 
@@ -24,11 +24,11 @@ TEST_F(SerialBatchTest, ALastInsertThatFailsLeavesTheEarlierRowsAsTheyWere)
 {
     const QStringList serials{QStringLiteral("W1-0001"), QStringLiteral("W1-0002"), QStringLiteral("PAD-0001")};
     frmPickigGoods& f = open();
-    click(f.chkHaveSerial);
-    scan(f.TxtID, QStringLiteral("10021"));
-    ASSERT_EQ(f.lblOrderNum->text(), QStringLiteral("3"));
+    click(controls(f).chkHaveSerial);
+    scan(controls(f).TxtID, QStringLiteral("10021"));
+    ASSERT_EQ(controls(f).lblOrderNum->text(), QStringLiteral("3"));
     scanSerials(f, serials);
-    ASSERT_TRUE(f.ImgSuccess->isVisible());
+    ASSERT_TRUE(controls(f).ImgSuccess->isVisible());
     const QString first = storedSerials();
     ASSERT_EQ(first.count(QLatin1Char(' ')), 2) << first.toStdString();
 
@@ -44,7 +44,7 @@ TEST_F(SerialBatchTest, ALastInsertThatFailsLeavesTheEarlierRowsAsTheyWere)
                               "BEGIN SELECT RAISE(ABORT, 'disk full while writing serials'); END")
                    .arg(refused));
     });
-    click(f.CmdBtnRePick);
+    click(controls(f).CmdBtnRePick);
     ASSERT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("0/0"));
     m_rec->boxes.clear();
     scanSerials(f, serials);
@@ -56,11 +56,11 @@ TEST_F(SerialBatchTest, ALastInsertThatFailsLeavesTheEarlierRowsAsTheyWere)
     EXPECT_TRUE(texts[0].contains(QStringLiteral("disk full while writing serials"))) << texts[0].toStdString();
     // The pass is the worker's to see; the server was not told of it, so the
     // order can be verified once more.
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("0/0"));
 
     dbExec(QStringLiteral("DROP TRIGGER refuse_last"));
-    click(f.CmdBtnRePick);
+    click(controls(f).CmdBtnRePick);
     m_rec->boxes.clear();
     scanSerials(f, {serials[2], serials[0], serials[1]});
     EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
@@ -71,23 +71,23 @@ TEST_F(SerialBatchTest, ALastInsertThatFailsLeavesTheEarlierRowsAsTheyWere)
 TEST_F(SerialBatchTest, AFirstPassWhoseBatchFailsWritesNoRowAtAll)
 {
     frmPickigGoods& f = open();
-    click(f.chkHaveSerial);
-    scan(f.TxtID, QStringLiteral("10021"));
+    click(controls(f).chkHaveSerial);
+    scan(controls(f).TxtID, QStringLiteral("10021"));
     // Whichever insert comes last is refused; the others ran before it in the
     // same batch.
     dbExec(QStringLiteral("CREATE TRIGGER refuse_third BEFORE INSERT ON IC_Web2ErpOrderSerial "
                           "WHEN (SELECT COUNT(*) FROM IC_Web2ErpOrderSerial) >= 2 "
                           "BEGIN SELECT RAISE(ABORT, 'constraint failed'); END"));
     for (const char* serial : {"W1-0001", "W1-0002", "PAD-0001"})
-        scan(f.TxtItemID, QString::fromLatin1(serial));
+        scan(controls(f).TxtItemID, QString::fromLatin1(serial));
     EXPECT_EQ(storedSerials(), QString());
     EXPECT_EQ(boxTexts().filter(QStringLiteral("constraint failed")).size(), 1) << boxTexts().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("0/0"));
     // The engine is not left inside the failed transaction: the next write lands.
     dbExec(QStringLiteral("DROP TRIGGER refuse_third"));
-    click(f.chkHaveSerial);
-    scan(f.TxtID, QStringLiteral("10018"));
+    click(controls(f).chkHaveSerial);
+    scan(controls(f).TxtID, QStringLiteral("10018"));
     for (int item : {1002, 1015, 1018})
-        scan(f.TxtItemID, barcodeOf(item));
+        scan(controls(f).TxtItemID, barcodeOf(item));
     EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("1/201"));
 }

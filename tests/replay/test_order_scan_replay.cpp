@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTemporaryFile>
 #include <gtest/gtest.h>
 
 namespace {
@@ -373,23 +374,32 @@ TEST(OrderScanReplay, AMalformedLineIsReportedWithItsControlCharactersEscaped)
 {
     ReplayHarness h;
     ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
-    const QStringList args{QStringLiteral("--props"), h.propsString(), QStringLiteral("--replay"), QStringLiteral("-")};
     const struct {
         QString script;
         QString shown;
+        qsizetype runLiveBefore;   // commands that ran, from standard input, before the bad line came
     } cases[] = {
-        {QStringLiteral("state\n\x1b]0;owned\x07\x1b[2J\n"), QStringLiteral("\\x1b]0;owned\\x07\\x1b[2J")},
-        {QStringLiteral("frob\x1b[31m x\n"), QStringLiteral("frob\\x1b[31m")},
-        {QStringLiteral("key TxtID F\u00857\n"), QStringLiteral("F\\x857")},
-        {QStringLiteral("click chk\rBarCode now\n"), QStringLiteral("")},
+        {QStringLiteral("state\n\x1b]0;owned\x07\x1b[2J\n"), QStringLiteral("\\x1b]0;owned\\x07\\x1b[2J"), 1},
+        {QStringLiteral("frob\x1b[31m x\n"), QStringLiteral("frob\\x1b[31m"), 0},
+        {QStringLiteral("key TxtID F\u00857\n"), QStringLiteral("F\\x857"), 0},
+        {QStringLiteral("click chk\rBarCode now\n"), QStringLiteral(""), 0},
     };
     for (const auto& c : cases) {
-        const ReplayRun run = h.runRaw(args, c.script);
-        EXPECT_EQ(run.exitCode, 2) << run.describe().toStdString();
-        EXPECT_TRUE(run.steps.isEmpty());
-        for (const QChar ch : run.standardError)
-            EXPECT_FALSE(ch.category() == QChar::Other_Control && ch != QLatin1Char('\n'))
-                << "raw control character " << int(ch.unicode()) << " in: " << run.standardError.toStdString();
-        EXPECT_TRUE(run.standardError.contains(c.shown)) << run.standardError.toStdString();
+        // A file is read whole before anything runs; standard input runs line by line.
+        QTemporaryFile file;
+        ASSERT_TRUE(file.open());
+        file.write(c.script.toUtf8());
+        file.close();
+        for (const QString& source : {file.fileName(), QStringLiteral("-")}) {
+            const bool live = source == QStringLiteral("-");
+            const QStringList args{QStringLiteral("--props"), h.propsString(), QStringLiteral("--replay"), source};
+            const ReplayRun run = h.runRaw(args, live ? c.script : QString());
+            EXPECT_EQ(run.exitCode, 2) << run.describe().toStdString();
+            EXPECT_EQ(run.steps.size(), live ? c.runLiveBefore : 0) << run.describe().toStdString();
+            for (const QChar ch : run.standardError)
+                EXPECT_FALSE(ch.category() == QChar::Other_Control && ch != QLatin1Char('\n'))
+                    << "raw control character " << int(ch.unicode()) << " in: " << run.standardError.toStdString();
+            EXPECT_TRUE(run.standardError.contains(c.shown)) << run.standardError.toStdString();
+        }
     }
 }

@@ -13,6 +13,7 @@
 #include "session/language.h"
 #include "station/frm_pickig_goods.h"
 #include "station/scan_line_edit.h"
+#include "support/station_controls.h"
 #include <QApplication>
 #include <QAtomicInt>
 #include <QFile>
@@ -140,6 +141,14 @@ protected:
         field->selectAll();
         QTest::keyClicks(field, text);
     }
+
+    QString barcodeOf(int itemId) const
+    {
+        return dbValue(QStringLiteral("SELECT FBarCode FROM t_Barcode WHERE FItemID = ? ORDER BY FID"), {itemId}).toString();
+    }
+
+    // One goods scan of an item's barcode on the station, as a scanner makes it.
+    void scanGoods(frmPickigGoods* form, int itemId) const { scanInto(controls(form).TxtItemID, barcodeOf(itemId)); }
 
     QVariant dbValue(const QString& sql, const QVariantList& params = {}) const
     {

@@ -168,12 +168,18 @@ TEST_F(StationFormTest, TheSoundServiceIgnoresWhatItCannotPlay)
 
     // The station plays through whatever sound object is registered.
     frmPickigGoods* form = openStation();
+    // Without one the refusal still goes on after its prompt, and no box comes.
     RegisterServerObject(ProgIds::Sound, [] { return std::shared_ptr<ServerObject>(); });
-    EXPECT_NO_THROW(form->PlayVoice(QStringLiteral("\\voice\\Error.wav")));
+    m_rec->boxes.clear();
+    scanInto(controls(form).TxtID, QStringLiteral("10006"));
+    EXPECT_EQ(controls(form).lblMessage->text(), QStringLiteral("此单已校验通过"));
+    EXPECT_EQ(form->pickingState().CurrentOrderCode(), QStringLiteral("+"));
+    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
     auto recorder = m_rec;
     RegisterServerObject(ProgIds::Sound, [recorder] { return std::make_shared<RecordingSounds>(recorder); });
-    form->PlayVoice(QStringLiteral("\\voice\\Excess.wav"));
-    EXPECT_EQ(m_rec->voices, QStringList{QStringLiteral("\\voice\\Excess.wav")});
+    m_rec->voices.clear();
+    scanInto(controls(form).TxtID, QStringLiteral("10004"));
+    EXPECT_EQ(m_rec->voices, QStringList{QStringLiteral("\\voice\\refunds.wav")});
 }
 
 TEST(VoicePrompts, NineShortMonoWavesBesideTheComponent)

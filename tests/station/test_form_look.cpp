@@ -10,6 +10,8 @@
 #include <QDir>
 #include <QImage>
 #include <QLabel>
+#include <QTableWidget>
+#include <QTimer>
 #include <QToolButton>
 
 namespace {
@@ -47,66 +49,66 @@ TEST_F(StationFormTest, TheStationReadsAtAGlance)
     form->resize(1366, 860);
     QApplication::processEvents();
     // Two orders before: one passed, one left short; the log shows both.
-    scanInto(form->TxtID, QStringLiteral("10018"));
+    scanInto(controls(form).TxtID, QStringLiteral("10018"));
     for (const char* barcode : {"6931000010024", "6931000010154", "6931000010185"})
-        scanInto(form->TxtItemID, QString::fromLatin1(barcode));
-    ASSERT_TRUE(form->ImgSuccess->isVisible());
-    scanInto(form->TxtID, QStringLiteral("10002"));
-    scanInto(form->TxtItemID, QStringLiteral("6931000010161"));
-    scanInto(form->TxtID, QStringLiteral("10001"));
-    const QStringList logged = form->LogList1->visibleRowTexts();
+        scanInto(controls(form).TxtItemID, QString::fromLatin1(barcode));
+    ASSERT_TRUE(controls(form).ImgSuccess->isVisible());
+    scanInto(controls(form).TxtID, QStringLiteral("10002"));
+    scanInto(controls(form).TxtItemID, QStringLiteral("6931000010161"));
+    scanInto(controls(form).TxtID, QStringLiteral("10001"));
+    const QStringList logged = controls(form).LogList1->visibleRowTexts();
     ASSERT_EQ(logged.size(), 2) << logged.join('|').toStdString();
     EXPECT_TRUE(logged[0].startsWith(QStringLiteral("10002异常"))) << logged[0].toStdString();
     EXPECT_TRUE(logged[1].startsWith(QStringLiteral("10018通过"))) << logged[1].toStdString();
-    scanInto(form->TxtItemID, QStringLiteral("6931000010017"));
-    scanInto(form->TxtItemID, QStringLiteral("6931000010147"));
-    ASSERT_EQ(form->lblPickedNum->text(), QStringLiteral("2/4"));
+    scanInto(controls(form).TxtItemID, QStringLiteral("6931000010017"));
+    scanInto(controls(form).TxtItemID, QStringLiteral("6931000010147"));
+    ASSERT_EQ(controls(form).lblPickedNum->text(), QStringLiteral("2/4"));
     // The goods in hand show the count the scan just made.
-    EXPECT_EQ(form->GoodsBigView->GoodsID(), QStringLiteral("1014"));
-    EXPECT_EQ(form->GoodsBigView->GoodsCheckedCnt(), 1);
+    EXPECT_EQ(controls(form).GoodsBigView->GoodsID(), QStringLiteral("1014"));
+    EXPECT_EQ(controls(form).GoodsBigView->GoodsCheckedCnt(), 1);
 
     // Numbers for a step away, the goods area the largest part of the window.
-    EXPECT_GE(form->lblOrderNum->font().pointSizeF(), 40.0);
-    EXPECT_GE(form->lblPickedNum->font().pointSizeF(), 40.0);
-    EXPECT_GE(form->TxtID->font().pointSizeF(), 18.0);
-    const QRect goods = boxIn(form->PiclistBack, form);
+    EXPECT_GE(controls(form).lblOrderNum->font().pointSizeF(), 40.0);
+    EXPECT_GE(controls(form).lblPickedNum->font().pointSizeF(), 40.0);
+    EXPECT_GE(controls(form).TxtID->font().pointSizeF(), 18.0);
+    const QRect goods = boxIn(controls(form).PiclistBack, form);
     EXPECT_GT(goods.width() * goods.height(), form->width() * form->height() / 3);
-    EXPECT_FALSE(goods.intersects(boxIn(form->LogList1, form)));
-    EXPECT_FALSE(goods.intersects(boxIn(form->GoodsBigView, form)));
-    EXPECT_FALSE(boxIn(form->fraMain, form).intersects(goods));
+    EXPECT_FALSE(goods.intersects(boxIn(controls(form).LogList1, form)));
+    EXPECT_FALSE(goods.intersects(boxIn(controls(form).GoodsBigView, form)));
+    EXPECT_FALSE(boxIn(controls(form).fraMain, form).intersects(goods));
     // The bar is half full at 2 of 4, inside its frame.
-    EXPECT_NEAR(form->lblProgress->width(), form->LblProgressbar->width() / 2, 2);
-    EXPECT_EQ(form->lblProgress->parentWidget(), form->LblProgressbar);
+    EXPECT_NEAR(controls(form).lblProgress->width(), controls(form).LblProgressbar->width() / 2, 2);
+    EXPECT_EQ(controls(form).lblProgress->parentWidget(), controls(form).LblProgressbar.get());
 
     const QImage tiles = form->grab().toImage();
     ASSERT_FALSE(tiles.isNull());
     EXPECT_TRUE(tiles.save(screenshotFolder() + QStringLiteral("/station_tiles.png")));
 
     // The rest of the order: passed, the stamp on the goods.
-    scanInto(form->TxtItemID, QStringLiteral("6931000010086"));
-    scanInto(form->TxtItemID, QStringLiteral("6931000010147"));
-    ASSERT_TRUE(form->ImgSuccess->isVisible());
-    const QRect stamp = boxIn(form->ImgSuccess, form);
+    scanInto(controls(form).TxtItemID, QStringLiteral("6931000010086"));
+    scanInto(controls(form).TxtItemID, QStringLiteral("6931000010147"));
+    ASSERT_TRUE(controls(form).ImgSuccess->isVisible());
+    const QRect stamp = boxIn(controls(form).ImgSuccess, form);
     EXPECT_TRUE(goods.contains(stamp));
     EXPECT_GE(stamp.width(), 200);
-    const QImage stampImage = form->ImgSuccess->grab().toImage();
+    const QImage stampImage = controls(form).ImgSuccess->grab().toImage();
     EXPECT_GT(shareOf(stampImage, QColor(0, 150, 60)), 0.05);   // green ink, not a blank label
     EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_tiles_passed.png")));
 
     // The grid view of the same order.
-    QTest::mouseClick(form->chkShowText, Qt::LeftButton, {}, QPoint(8, form->chkShowText->height() / 2));
+    QTest::mouseClick(controls(form).chkShowText, Qt::LeftButton, {}, QPoint(8, controls(form).chkShowText->height() / 2));
     ASSERT_TRUE(form->IsGridView());
     QApplication::processEvents();
     // The grid fills the goods area as the tiles did.
-    EXPECT_GE(form->GoodsTextView->width(), form->PiclistBack->width() - 12);
-    EXPECT_GE(form->GoodsTextView->height(), form->PiclistBack->height() - 12);
+    EXPECT_GE(controls(form).GoodsTextView->width(), controls(form).PiclistBack->width() - 12);
+    EXPECT_GE(controls(form).GoodsTextView->height(), controls(form).PiclistBack->height() - 12);
     const QImage grid = form->grab().toImage();
     EXPECT_TRUE(grid.save(screenshotFolder() + QStringLiteral("/station_grid.png")));
     EXPECT_NE(grid, tiles);
 
     // A problem shows in red.
-    scanInto(form->TxtID, QStringLiteral("10006"));
-    const QColor red = form->lblMessage->palette().color(QPalette::WindowText);
+    scanInto(controls(form).TxtID, QStringLiteral("10006"));
+    const QColor red = controls(form).lblMessage->palette().color(QPalette::WindowText);
     EXPECT_GT(red.red(), 180);
     EXPECT_LT(red.green(), 60);
     EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_refused.png")));
@@ -131,7 +133,7 @@ TEST_F(StationFormTest, TheLogPaneShowsAWholePageOfSevenRows)
             form->resize(size);
         QApplication::processEvents();
         const QString at = QStringLiteral("%1x%2").arg(form->width()).arg(form->height());
-        LogList* pane = form->LogList1;
+        LogList* pane = controls(form).LogList1;
         pane->LoadLogList(log);
         QApplication::processEvents();
 
@@ -160,4 +162,46 @@ TEST_F(StationFormTest, TheLogPaneShowsAWholePageOfSevenRows)
         EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_log_page_%1.png").arg(at)));
         ASSERT_TRUE(closeStation());
     }
+}
+
+TEST_F(StationFormTest, ThePickerListsEveryEmployeeByNumberAndTakesTheOneChosen)
+{
+    frmPickigGoods* form = openStation();
+    auto* employee = form->findChild<ScanLineEdit*>(QStringLiteral("TxtEmployee"));
+    ASSERT_NE(employee, nullptr);
+    struct Seen {
+        QString title, filter;
+        QStringList rows;
+        bool saved = false;
+    } seen;
+    QTimer::singleShot(0, [&] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        auto* filter = dialog ? dialog->findChild<QLineEdit*>(QStringLiteral("txtFilter")) : nullptr;
+        auto* table = dialog ? dialog->findChild<QTableWidget*>(QStringLiteral("grdEmployees")) : nullptr;
+        if (!filter || !table) {
+            ADD_FAILURE() << "no picker with its filter and list";
+            if (dialog)
+                dialog->close();
+            return;
+        }
+        seen.title = dialog->windowTitle();
+        seen.filter = filter->text();
+        // An empty filter lists everyone.
+        filter->clear();
+        for (int row = 0; row < table->rowCount(); ++row)
+            seen.rows << table->item(row, 0)->text() + QLatin1Char(' ') + table->item(row, 1)->text();
+        seen.saved = dialog->grab().toImage().save(screenshotFolder() + QStringLiteral("/employee_picker.png"));
+        // Down twice from the first row, then Enter: the third employee.
+        QTest::keyClick(filter, Qt::Key_Down);
+        QTest::keyClick(filter, Qt::Key_Down);
+        QTest::keyClick(filter, Qt::Key_Return);
+    });
+    QTest::keyClick(employee, Qt::Key_F7);
+    EXPECT_EQ(seen.title, QStringLiteral("选择职员"));
+    EXPECT_EQ(seen.filter, QStringLiteral("张伟"));
+    EXPECT_EQ(seen.rows, (QStringList{QStringLiteral("E001 张伟"), QStringLiteral("E002 李娜"), QStringLiteral("E003 王芳"),
+                                      QStringLiteral("E004 刘洋")}));
+    EXPECT_TRUE(seen.saved);
+    EXPECT_EQ(employee->text(), QStringLiteral("王芳"));
+    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
 }

@@ -26,15 +26,10 @@ protected:
     {
         frmPickigGoods& f = *openStation();
         if (GetParam())
-            f.chkShowText->click();
+            controls(f).chkShowText->click();
         if (serial)
-            f.chkHaveSerial->click();
+            controls(f).chkHaveSerial->click();
         return f;
-    }
-
-    QString barcodeOf(int itemId) const
-    {
-        return dbValue(QStringLiteral("SELECT FBarCode FROM t_Barcode WHERE FItemID = ? ORDER BY FID"), {itemId}).toString();
     }
 
     // One scan in TxtItemID; voices and boxes are those of this scan.
@@ -42,7 +37,7 @@ protected:
     {
         m_rec->voices.clear();
         m_rec->boxes.clear();
-        scanInto(m_form->TxtItemID, code);
+        scanInto(controls(m_form).TxtItemID, code);
     }
 
     // Lines by entry id: the grid moves finished lines to the end of the set.
@@ -72,77 +67,77 @@ protected:
     void expectReady(const char* after) const
     {
         SCOPED_TRACE(after);
-        EXPECT_EQ(m_form->TxtNum->text(), QStringLiteral("1"));
-        EXPECT_TRUE(m_form->TxtItemID->hasFocus());
-        EXPECT_EQ(m_form->TxtItemID->selectedText(), m_form->TxtItemID->text());
+        EXPECT_EQ(controls(m_form).TxtNum->text(), QStringLiteral("1"));
+        EXPECT_TRUE(controls(m_form).TxtItemID->hasFocus());
+        EXPECT_EQ(controls(m_form).TxtItemID->selectedText(), controls(m_form).TxtItemID->text());
     }
 };
 
 TEST_P(GoodsScanTest, BarcodeScansCountRefuseAndPassTheOrder)
 {
     frmPickigGoods& f = open();
-    scanInto(f.TxtID, QStringLiteral("10001"));      // 1001 x1 (entry 1), 1008 x1 (2), 1014 x2 (3)
-    ASSERT_EQ(f.lblOrderNum->text(), QStringLiteral("4"));
+    scanInto(controls(f).TxtID, QStringLiteral("10001"));      // 1001 x1 (entry 1), 1008 x1 (2), 1014 x2 (3)
+    ASSERT_EQ(controls(f).lblOrderNum->text(), QStringLiteral("4"));
 
     goods(barcodeOf(1001));
     EXPECT_TRUE(m_rec->voices.isEmpty());
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("1/4"));
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("1/4"));
     expectReady("counted");
 
     goods(barcodeOf(1001));                          // its line is complete
     EXPECT_EQ(m_rec->voices, QStringList{kError});
-    EXPECT_EQ(f.lblPickInfo->text(), QStringLiteral("非本单商品"));
-    EXPECT_EQ(f.m_ErrorNum, 1);
+    EXPECT_EQ(controls(f).lblPickInfo->text(), QStringLiteral("非本单商品"));
+    EXPECT_EQ(f.pickingState().errorNum(), 1);
     EXPECT_EQ(checked(1), 1);
     expectReady("complete line");
 
-    typeInto(f.TxtNum, QStringLiteral("2"));
+    typeInto(controls(f).TxtNum, QStringLiteral("2"));
     goods(barcodeOf(1002));                          // goods of another order
     EXPECT_EQ(m_rec->voices, QStringList{kError});
-    EXPECT_EQ(f.m_ErrorNum, 3);
+    EXPECT_EQ(f.pickingState().errorNum(), 3);
     expectReady("foreign goods");
 
     goods(barcodeOf(1031));                          // serial-managed, scanned by barcode
     EXPECT_EQ(m_rec->voices, QStringList{QStringLiteral("\\voice\\scanSerial.wav")});
-    EXPECT_EQ(f.lblMessage->text(), QStringLiteral("亲,请扫描序列号"));
+    EXPECT_EQ(controls(f).lblMessage->text(), QStringLiteral("亲,请扫描序列号"));
     expectReady("serial goods");
 
     goods(QStringLiteral("6900000000000"));
     EXPECT_EQ(m_rec->voices, QStringList{kFindGoods});
-    EXPECT_EQ(f.lblMessage->text(), QStringLiteral("找不到相应的发货单或商品"));
-    EXPECT_EQ(f.lblPickInfo->text(), QString());
-    EXPECT_EQ(f.m_ErrorNum, 3);
+    EXPECT_EQ(controls(f).lblMessage->text(), QStringLiteral("找不到相应的发货单或商品"));
+    EXPECT_EQ(controls(f).lblPickInfo->text(), QString());
+    EXPECT_EQ(f.pickingState().errorNum(), 3);
     expectReady("unknown code");
 
     // A typed quantity replaces what the line had: 3 on a line of 2.
     goods(barcodeOf(1014));
-    typeInto(f.TxtNum, QStringLiteral("3"));
+    typeInto(controls(f).TxtNum, QStringLiteral("3"));
     goods(barcodeOf(1014));
     EXPECT_EQ(checked(3), 3);
-    EXPECT_EQ(f.m_PickedNum, 3);
-    EXPECT_EQ(f.m_ExcessNum, 1);
+    EXPECT_EQ(f.pickingState().pickedNum(), 3);
+    EXPECT_EQ(f.pickingState().excessNum(), 1);
     EXPECT_EQ(m_rec->voices, QStringList{QStringLiteral("\\voice\\Excess.wav")});
-    EXPECT_EQ(f.lblPickInfo->text(), QStringLiteral("拣货超量"));
+    EXPECT_EQ(controls(f).lblPickInfo->text(), QStringLiteral("拣货超量"));
     expectReady("typed quantity");
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("0/0"));
 
     // Enter in TxtNum scans the code standing in TxtItemID, then clears the message.
-    typeInto(f.TxtItemID, barcodeOf(1008));
-    f.lblMessage->setText(QStringLiteral("x"));
+    typeInto(controls(f).TxtItemID, barcodeOf(1008));
+    controls(f).lblMessage->setText(QStringLiteral("x"));
     m_rec->voices.clear();
-    scanInto(f.TxtNum, QStringLiteral("1"));
+    scanInto(controls(f).TxtNum, QStringLiteral("1"));
     EXPECT_EQ(m_rec->voices, QStringList{kSucces});
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("4/4"));
-    EXPECT_EQ(f.lblMessage->text(), QString());
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("4/4"));
+    EXPECT_EQ(controls(f).lblMessage->text(), QString());
     expectReady("order passed");
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/201"));
     EXPECT_EQ(dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FID = 1")).toInt(), 1);
 
     // The next order's code goes to the order scan.
     goods(QStringLiteral("10002"));
-    EXPECT_EQ(f.CurrentOrderCode, QStringLiteral("10002"));
-    EXPECT_EQ(f.TxtID->text(), QStringLiteral("10002"));
+    EXPECT_EQ(f.pickingState().CurrentOrderCode(), QStringLiteral("10002"));
+    EXPECT_EQ(controls(f).TxtID->text(), QStringLiteral("10002"));
     expectReady("order code in TxtItemID");
 }
 
@@ -151,48 +146,48 @@ TEST_P(GoodsScanTest, CodesWithoutAnOrderAndQuantitiesThatAreNoNumber)
     frmPickigGoods& f = open();
     goods(barcodeOf(1001));
     EXPECT_EQ(m_rec->voices, QStringList{kFindGoods});
-    EXPECT_EQ(f.lblMessage->text(), QStringLiteral("找不到物流单号/唯一码/商品条码/序列号"));
+    EXPECT_EQ(controls(f).lblMessage->text(), QStringLiteral("找不到物流单号/唯一码/商品条码/序列号"));
     expectReady("no order");
     goods(QStringLiteral("SF10019"));                // 1004 x2
-    EXPECT_EQ(f.CurrentOrderCode, QStringLiteral("SF10019"));
+    EXPECT_EQ(f.pickingState().CurrentOrderCode(), QStringLiteral("SF10019"));
     expectReady("order code");
 
-    typeInto(f.TxtNum, QStringLiteral("a"));
-    EXPECT_EQ(f.TxtNum->text(), QString());
-    EXPECT_EQ(f.lblMessage->text(), kNotNumeric);
-    f.TxtItemID->setText(barcodeOf(1004));
-    f.lblMessage->clear();
-    QTest::keyClick(f.TxtNum, Qt::Key_Return);       // an empty quantity does not scan
-    EXPECT_EQ(f.lblMessage->text(), kNotNumeric);
-    EXPECT_EQ(f.m_PickedNum, 0);
+    typeInto(controls(f).TxtNum, QStringLiteral("a"));
+    EXPECT_EQ(controls(f).TxtNum->text(), QString());
+    EXPECT_EQ(controls(f).lblMessage->text(), kNotNumeric);
+    controls(f).TxtItemID->setText(barcodeOf(1004));
+    controls(f).lblMessage->clear();
+    QTest::keyClick(controls(f).TxtNum, Qt::Key_Return);       // an empty quantity does not scan
+    EXPECT_EQ(controls(f).lblMessage->text(), kNotNumeric);
+    EXPECT_EQ(f.pickingState().pickedNum(), 0);
 
     for (const QString& bad : {QString(), QStringLiteral("2.5"), QStringLiteral("0")}) {
-        f.TxtNum->setText(bad);
+        controls(f).TxtNum->setText(bad);
         goods(barcodeOf(1004));
-        EXPECT_EQ(f.lblMessage->text(), kNotNumeric) << bad.toStdString();
-        EXPECT_EQ(f.m_PickedNum, 0);
+        EXPECT_EQ(controls(f).lblMessage->text(), kNotNumeric) << bad.toStdString();
+        EXPECT_EQ(f.pickingState().pickedNum(), 0);
         EXPECT_EQ(pickCnt(50), 0);
         expectReady("unusable quantity");
     }
-    f.TxtItemID->clear();                            // Enter on an empty field
-    f.TxtNum->setText(QStringLiteral("7"));
-    QTest::keyClick(f.TxtItemID, Qt::Key_Return);
-    EXPECT_EQ(f.m_PickedNum, 0);
+    controls(f).TxtItemID->clear();                            // Enter on an empty field
+    controls(f).TxtNum->setText(QStringLiteral("7"));
+    QTest::keyClick(controls(f).TxtItemID, Qt::Key_Return);
+    EXPECT_EQ(f.pickingState().pickedNum(), 0);
     expectReady("empty code");
     goods(barcodeOf(1004));
-    EXPECT_EQ(f.m_PickedNum, 1);
+    EXPECT_EQ(f.pickingState().pickedNum(), 1);
 }
 
 TEST_P(GoodsScanTest, SerialOrderPassesIsRePickedAndStoresItsRowsOnce)
 {
     frmPickigGoods& f = open(true);
-    scanInto(f.TxtID, QStringLiteral("10021"));      // 1031 x2 W2405 (entry 53), 1032 x1 P2404 (54)
-    ASSERT_EQ(f.lblOrderNum->text(), QStringLiteral("3"));
+    scanInto(controls(f).TxtID, QStringLiteral("10021"));      // 1031 x2 W2405 (entry 53), 1032 x1 P2404 (54)
+    ASSERT_EQ(controls(f).lblOrderNum->text(), QStringLiteral("3"));
 
     goods(QStringLiteral("W1-0001"));
     goods(QStringLiteral("w1-0001"));                // the server finds serials whatever their case
     EXPECT_EQ(m_rec->voices, QStringList{QStringLiteral("\\voice\\repeatScan.wav")});
-    EXPECT_EQ(f.lblMessage->text(), QStringLiteral("该商品的序列号重复扫描"));
+    EXPECT_EQ(controls(f).lblMessage->text(), QStringLiteral("该商品的序列号重复扫描"));
     EXPECT_EQ(serials(53), QStringLiteral(",W1-0001"));
     EXPECT_EQ(pickCnt(53), 1);
     expectReady("repeated serial");
@@ -203,7 +198,7 @@ TEST_P(GoodsScanTest, SerialOrderPassesIsRePickedAndStoresItsRowsOnce)
     EXPECT_EQ(m_rec->voices, QStringList{kError});
     EXPECT_EQ(pickCnt(53), 1);
 
-    typeInto(f.TxtNum, QStringLiteral("2"));
+    typeInto(controls(f).TxtNum, QStringLiteral("2"));
     goods(QStringLiteral("PAD-0001"));
     ASSERT_EQ(boxTexts(), QStringList{QStringLiteral("亲，序列号扫描不支持手动批量扫描!")});
     EXPECT_EQ(pickCnt(54) + checked(54), 0);
@@ -212,22 +207,22 @@ TEST_P(GoodsScanTest, SerialOrderPassesIsRePickedAndStoresItsRowsOnce)
 
     goods(QStringLiteral("W1-0002"));
     goods(QStringLiteral("PAD-0001"));
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("1/201"));
     EXPECT_EQ(serialRows(), QStringLiteral("53|W1-0001|W2405|1||0 53|W1-0002|W2405|1||0 54|PAD-0001|P2404|2||0"));
 
-    f.TxtID->setText(QStringLiteral("10021"));
-    f.CmdBtnRePick->click();
-    EXPECT_FALSE(f.ImgSuccess->isVisible());
+    controls(f).TxtID->setText(QStringLiteral("10021"));
+    controls(f).CmdBtnRePick->click();
+    EXPECT_FALSE(controls(f).ImgSuccess->isVisible());
     EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("0/0"));
-    EXPECT_EQ(f.m_PickedNum + f.m_ErrorNum + checked(53) + checked(54), 0);
-    for (int i = 0; i < f.SessionOrderLog.Count(); ++i)
-        EXPECT_NE(f.SessionOrderLog.Item(i).GetValue(QStringLiteral("ID")).toString(), QStringLiteral("10021"));
+    EXPECT_EQ(f.pickingState().pickedNum() + f.pickingState().errorNum() + checked(53) + checked(54), 0);
+    for (int i = 0; i < f.pickingState().SessionOrderLog().Count(); ++i)
+        EXPECT_NE(f.pickingState().SessionOrderLog().Item(i).GetValue(QStringLiteral("ID")).toString(), QStringLiteral("10021"));
 
     goods(QStringLiteral("W1-0003"));
     goods(QStringLiteral("W1-0001"));
     goods(QStringLiteral("PAD-0002"));
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_EQ(serialRows(), QStringLiteral("53|W1-0001|W2405|1||0 53|W1-0003|W2405|1||0 54|PAD-0002|P2404|2||0"));
     expectReady("verified again");
 }
@@ -235,10 +230,10 @@ TEST_P(GoodsScanTest, SerialOrderPassesIsRePickedAndStoresItsRowsOnce)
 TEST_P(GoodsScanTest, SerialMustFitBatchPlaceAndShelfLifeOfItsLine)
 {
     frmPickigGoods& f = open(true);
-    scanInto(f.TxtID, QStringLiteral("10024"));      // 1001 (57), 1034 T2401 (58), 1034 T2402 (59)
+    scanInto(controls(f).TxtID, QStringLiteral("10024"));      // 1001 (57), 1034 T2401 (58), 1034 T2402 (59)
     goods(QStringLiteral("ET-0003"));                // fits neither; the last line tells
     EXPECT_EQ(m_rec->voices, QStringList{kFindGoods});
-    EXPECT_EQ(f.lblMessage->text(), QStringLiteral("该商品的批次、仓库、仓位信息与订单分录上的不一致"));
+    EXPECT_EQ(controls(f).lblMessage->text(), QStringLiteral("该商品的批次、仓库、仓位信息与订单分录上的不一致"));
     EXPECT_EQ(pickCnt(58) + pickCnt(59), 0);
     expectReady("fits no line");
     goods(QStringLiteral("ET-0002"));
@@ -247,33 +242,33 @@ TEST_P(GoodsScanTest, SerialMustFitBatchPlaceAndShelfLifeOfItsLine)
     goods(QStringLiteral("ET-0001"));
     EXPECT_EQ(serials(58), QStringLiteral(",ET-0001"));
 
-    scanInto(f.TxtID, QStringLiteral("10023"));      // 1033 x2 (56)
+    scanInto(controls(f).TxtID, QStringLiteral("10023"));      // 1033 x2 (56)
     goods(QStringLiteral("MF-0001"));
     for (const QString& serial : {QStringLiteral("MF-0003"), QStringLiteral("MF-0004")}) {   // period, then date
         goods(serial);
         EXPECT_EQ(m_rec->voices, QStringList{QStringLiteral("\\voice\\DifKFPeriod.wav")}) << serial.toStdString();
-        EXPECT_EQ(f.lblMessage->text(), QStringLiteral("同一分录不允许扫描不同保质期的商品"));
+        EXPECT_EQ(controls(f).lblMessage->text(), QStringLiteral("同一分录不允许扫描不同保质期的商品"));
         EXPECT_EQ(pickCnt(56), 1);
         EXPECT_EQ(checked(56), 1);
         expectReady("shelf life differs");
     }
     goods(QStringLiteral("MF-0002"));
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_EQ(serialRows(), QStringLiteral("56|MF-0001|M2403|3|2024-03-01|720 56|MF-0002|M2403|3|2024-03-01|720"));
 }
 
 TEST_P(GoodsScanTest, FailedSaveIsShownAndTheOrderStaysPassed)
 {
     frmPickigGoods& f = open();
-    scanInto(f.TxtID, QStringLiteral("10019"));
+    scanInto(controls(f).TxtID, QStringLiteral("10019"));
     RegisterServerObject(ProgIds::SaveData, [] { return std::make_shared<FailingSaveData>(); });
     goods(barcodeOf(1004));
     goods(barcodeOf(1004));
     // Not verified on the server, so not sent for delivery either.
     EXPECT_EQ(boxTexts(), (QStringList{QStringLiteral("保存失败")}));
-    EXPECT_TRUE(f.ImgSuccess->isVisible());
-    EXPECT_EQ(f.lblPickedNum->text(), QStringLiteral("2/2"));
-    EXPECT_TRUE(f.SessionOrderLog.Item(f.SessionOrderLog.UpperBound()).GetValue(QStringLiteral("bSuccess")).toBool());
+    EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
+    EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/2"));
+    EXPECT_TRUE(f.pickingState().SessionOrderLog().Item(f.pickingState().SessionOrderLog().UpperBound()).GetValue(QStringLiteral("bSuccess")).toBool());
     EXPECT_EQ(pickingOf(QStringLiteral("10019")), QStringLiteral("0/0"));
     expectReady("failed save");
 }
@@ -290,29 +285,29 @@ TEST_F(StationFormTest, DeliveryNeedsBothSettingsAndARestoredOrderFollowsItsMiss
         return dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FUniqueCode = ?"), {code}).toInt();
     };
     SetDemoSystemProfile(m_db, QStringLiteral("CreateStockBillType"), QStringLiteral("0"));
-    scanInto(openStation()->TxtID, QStringLiteral("10028"));
-    scanInto(m_form->TxtItemID, barcode(1024));
-    EXPECT_TRUE(m_form->ImgSuccess->isVisible());
+    scanInto(controls(openStation()).TxtID, QStringLiteral("10028"));
+    scanInto(controls(m_form).TxtItemID, barcode(1024));
+    EXPECT_TRUE(controls(m_form).ImgSuccess->isVisible());
     EXPECT_EQ(delivered(QStringLiteral("10028")), 0);
 
     SetDemoSystemProfile(m_db, QStringLiteral("CreateStockBillType"), QStringLiteral("1"));
     SetDemoSystemProfile(m_db, QStringLiteral("DeliveryWhenWeightedOrPick"), QStringLiteral("0"));
     frmPickigGoods& f = *openStation();
-    scanInto(f.TxtID, QStringLiteral("10001"));
-    scanInto(f.TxtItemID, barcode(1001));
-    scanInto(f.TxtItemID, barcode(1014));
-    EXPECT_FALSE(f.m_RecomputeMissing);              // a fresh order: counted when it is left
-    scanInto(f.TxtID, QStringLiteral("10002"));
-    scanInto(f.TxtID, QStringLiteral("10001"));      // back from the session log
-    ASSERT_TRUE(f.m_RecomputeMissing);
-    EXPECT_EQ(f.m_MissingNum, 2);
-    scanInto(f.TxtItemID, barcode(1014));
-    EXPECT_EQ(f.m_MissingNum, 1);
-    const GoodsRecord entry = f.SessionOrderLog.Item(0);
+    scanInto(controls(f).TxtID, QStringLiteral("10001"));
+    scanInto(controls(f).TxtItemID, barcode(1001));
+    scanInto(controls(f).TxtItemID, barcode(1014));
+    EXPECT_FALSE(f.pickingState().recomputeMissing());              // a fresh order: counted when it is left
+    scanInto(controls(f).TxtID, QStringLiteral("10002"));
+    scanInto(controls(f).TxtID, QStringLiteral("10001"));      // back from the session log
+    ASSERT_TRUE(f.pickingState().recomputeMissing());
+    EXPECT_EQ(f.pickingState().missingNum(), 2);
+    scanInto(controls(f).TxtItemID, barcode(1014));
+    EXPECT_EQ(f.pickingState().missingNum(), 1);
+    const GoodsRecord entry = f.pickingState().SessionOrderLog().Item(0);
     ASSERT_EQ(entry.GetValue(QStringLiteral("ID")).toString(), QStringLiteral("10001"));
     EXPECT_TRUE(entry.GetValue(QStringLiteral("log")).toString().contains(QStringLiteral("缺少1件")));
-    scanInto(f.TxtItemID, barcode(1008));
-    EXPECT_EQ(f.m_MissingNum, 0);
+    scanInto(controls(f).TxtItemID, barcode(1008));
+    EXPECT_EQ(f.pickingState().missingNum(), 0);
     EXPECT_TRUE(entry.GetValue(QStringLiteral("bSuccess")).toBool());
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/201"));
     EXPECT_EQ(delivered(QStringLiteral("10001")), 0);

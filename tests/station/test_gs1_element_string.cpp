@@ -91,6 +91,7 @@ TEST(Gs1ElementString, WrongFieldsAreRefusedWithTheirReason)
         {GS, "GS1条码中没有数据", ""},
         {"]d28812345", "GS1条码中有无法识别的应用标识符", "88"},
         {"]C10106931000010017" "88X", "GS1条码中有无法识别的应用标识符", "88"},
+        {"]C1(01)06931000010017", "GS1条码中有无法识别的应用标识符", ""},
     };
     for (const auto& c : cases) {
         const Gs1ElementString s = ParseGs1ElementString(c.scan);

@@ -97,6 +97,17 @@ ReplayHarness::ReplayHarness(int largeOrderLines)
         m_error = init.describe();
 }
 
+QProcessEnvironment ReplayHarness::environment() const
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    // The launcher's user data (the --demo database, session journals) stays
+    // inside the test's folder.
+    env.insert(QStringLiteral("XDG_DATA_HOME"), m_dir.filePath(QStringLiteral("xdg-data")));
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_dir.filePath(QStringLiteral("xdg-config")));
+    return env;
+}
+
 QString ReplayHarness::propsString(int userId) const
 {
     return QStringLiteral("UserID=%1;ConnectString={Provider=SQLite;Data Source=%2};").arg(userId).arg(m_dbFile);
@@ -126,12 +137,7 @@ ReplayRun ReplayHarness::runRaw(const QStringList& args, const QString& stdinScr
 {
     ReplayRun result;
     QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    // The launcher's user data (the --demo database) stays inside the test's folder.
-    env.insert(QStringLiteral("XDG_DATA_HOME"), m_dir.filePath(QStringLiteral("xdg-data")));
-    env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_dir.filePath(QStringLiteral("xdg-config")));
-    process.setProcessEnvironment(env);
+    process.setProcessEnvironment(environment());
     process.start(launcherPath(), args);
     if (!process.waitForStarted(RunTimeoutMs)) {
         result.standardError = QStringLiteral("cannot start %1: %2").arg(launcherPath(), process.errorString());

@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -40,6 +41,8 @@ public:
 
     QString databaseFile() const { return m_dbFile; }
     QString folder() const { return m_dir.path(); }
+    // The environment the launcher runs in: offscreen, its user data in the folder.
+    QProcessEnvironment environment() const;
     // The host property string of the demo database for a user.
     QString propsString(int userId = 1) const;
 

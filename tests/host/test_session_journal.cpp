@@ -1,0 +1,178 @@
+// The session journal keeps what it was given, commit after commit, and gives
+// it back whole; a journal that cannot be read is said so and can be set aside.
+#include "host/session_journal.h"
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+GoodsRecord line(int goods, int entry, int checked, const QString& serials = QString())
+{
+    GoodsRecord r;
+    r.SetValue("FEntryID", entry);
+    r.SetValue("FSeriNum", serials);
+    r.SetValue("GoodsID", goods);
+    r.SetValue("GoodsName", QStringLiteral("商品%1").arg(goods));
+    r.SetValue("GoodsOrderCnt", 2.0);
+    r.SetValue("GoodsPickCnt", QVariant::fromValue<qint16>(qint16(checked)));
+    r.SetValue("GoodsCheckedCnt", checked);
+    r.SetValue("FPicID", QVariant());
+    return r;
+}
+
+QStringList describe(const RecordList& list)
+{
+    QStringList out;
+    for (int i = 0; i < list.Count(); ++i) {
+        const GoodsRecord r = list.Item(i);
+        QStringList parts;
+        for (int k = 0; k < r.Count(); ++k) {
+            const QVariant v = r.ValueAt(k);
+            parts << r.KeyAt(k) + "=" + (v.canConvert<GoodsRecord>() && v.typeId() == qMetaTypeId<GoodsRecord>()
+                                             ? "{" + describe([&] { RecordList l; l.Add(v.value<GoodsRecord>()); return l; }()).join(",") + "}"
+                                             : v.isNull() ? QStringLiteral("null") : v.toString());
+        }
+        out << parts.join(';');
+    }
+    return out;
+}
+
+class SessionJournalTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        m_dataHome = qgetenv("XDG_DATA_HOME");
+        qputenv("XDG_DATA_HOME", m_dir.path().toUtf8());
+        m_props = QStringLiteral("UserID=7;ConnectString={Provider=SQLite;Data Source=/srv/a.db};");
+        m_journal = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal);
+    }
+    void TearDown() override { qputenv("XDG_DATA_HOME", m_dataHome); }
+
+    QTemporaryDir m_dir;
+    QByteArray m_dataHome;
+    QString m_props;
+    std::shared_ptr<ISessionJournal> m_journal;
+};
+
+} // namespace
+
+TEST_F(SessionJournalTest, WhatWasCommittedLastIsReadBackWhole)
+{
+    JournalState state;
+    state.form = QJsonObject{{"CurrentOrderCode", "10001"}, {"lblPickedNum", "1/4"}, {"ImgSuccess", false}};
+    state.lines.Add(line(1001, 1, 1));
+    state.lines.Add(line(1008, 2, 0));
+    state.lines.Add(line(1031, 3, 1, ",W1-0001"));
+    EXPECT_FALSE(m_journal->Exists(m_props));
+    m_journal->Start(m_props, state);
+    EXPECT_TRUE(m_journal->Exists(m_props));
+
+    // Counts, serials, the order of the lines, the log and its keys change.
+    state.lines.Item(1).SetValue("GoodsCheckedCnt", 2);
+    state.lines.Item(2).SetValue("FSeriNum", ",W1-0001,W1-0002");
+    const GoodsRecord moved = state.lines.Item(0);
+    state.lines.Remove(0);
+    state.lines.Add(moved);
+    GoodsRecord entry;
+    entry.SetValue("ID", "10018");
+    GoodsRecord states;
+    states.SetValue("1002/9", QVariant::fromValue(line(1002, 9, 1)));
+    entry.SetValue("PickedNum", QVariant::fromValue(states));
+    entry.SetValue("bSuccess", true);
+    entry.SetValue("log", QStringLiteral("10018通过   误拣0件"));
+    state.sessionLog.Add(entry);
+    state.sessionKeys << "10018";
+    state.form["lblPickedNum"] = "3/4";
+    m_journal->Commit(state);
+    entry.SetValue("log", QStringLiteral("10018异常, , 缺少1件, 误拣0件"));
+    m_journal->Commit(state);
+
+    // Another journal object, as after a restart, reads it.
+    const JournalState read = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal)->Read(m_props);
+    EXPECT_EQ(read.form, state.form);
+    EXPECT_EQ(read.sessionKeys, state.sessionKeys);
+    EXPECT_EQ(describe(read.lines), describe(state.lines));
+    EXPECT_EQ(describe(read.sessionLog), describe(state.sessionLog));
+    EXPECT_EQ(read.sessionLog.Item(0).GetValue("PickedNum").value<GoodsRecord>().GetValue("1002/9").value<GoodsRecord>()
+                  .GetValue("GoodsCheckedCnt").toInt(), 1);
+
+    // Another order replaces the lines; the log shrinks after a re-pick.
+    state.lines = RecordList();
+    state.lines.Add(line(1022, 40, 0));
+    state.sessionLog.Remove(0);
+    m_journal->Commit(state);
+    const JournalState second = m_journal->Read(m_props);
+    EXPECT_EQ(describe(second.lines), describe(state.lines));
+    EXPECT_EQ(second.sessionLog.Count(), 0);
+
+    // Another user or another database has a journal of its own.
+    EXPECT_FALSE(m_journal->Exists(QStringLiteral("UserID=8;ConnectString={Provider=SQLite;Data Source=/srv/a.db};")));
+    EXPECT_FALSE(m_journal->Exists(QStringLiteral("UserID=7;ConnectString={Provider=SQLite;Data Source=/srv/b.db};")));
+    m_journal->Remove();
+    EXPECT_FALSE(m_journal->Exists(m_props));
+}
+
+TEST_F(SessionJournalTest, AJournalThatCannotBeReadIsSaidSoAndSetAside)
+{
+    JournalState state;
+    state.form = QJsonObject{{"CurrentOrderCode", "10001"}};
+    m_journal->Start(m_props, state);
+    m_journal.reset();   // the station died
+    const QString folder = m_dir.path() + "/" + QCoreApplication::applicationName() + "/journal";
+    QStringList files = QDir(folder).entryList({"session-7-*.db"});
+    ASSERT_EQ(files.size(), 1) << folder.toStdString();
+    QFile damaged(folder + "/" + files[0]);
+    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    damaged.write("this is no database at all, the disk lost it");
+    damaged.close();
+
+    auto journal = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal);
+    EXPECT_TRUE(journal->Exists(m_props));
+    EXPECT_THROW(journal->Read(m_props), HostError);
+    const QString aside = journal->SetAside(m_props);
+    EXPECT_FALSE(journal->Exists(m_props));
+    EXPECT_TRUE(QFile::exists(aside));
+    EXPECT_TRUE(aside.contains(".unreadable-"));
+}
+
+TEST_F(SessionJournalTest, OneStationAtATimeHoldsTheJournalOfAUserAndDatabase)
+{
+    ASSERT_TRUE(m_journal->Claim(m_props));
+    auto second = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal);
+    EXPECT_FALSE(second->Claim(m_props));
+    // Another user, or another database, has a journal of its own.
+    EXPECT_TRUE(CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal)
+                    ->Claim(QStringLiteral("UserID=8;ConnectString={Provider=SQLite;Data Source=/srv/a.db};")));
+    EXPECT_TRUE(CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal)
+                    ->Claim(QStringLiteral("UserID=7;ConnectString={Provider=SQLite;Data Source=/srv/b.db};")));
+    m_journal->Start(m_props, JournalState{});
+    m_journal->Remove();   // a clean close lets the next station take it
+    EXPECT_TRUE(second->Claim(m_props));
+}
+
+TEST_F(SessionJournalTest, ACommitOfOneCountOnALargeOrderWritesLittle)
+{
+    JournalState state;
+    for (int i = 0; i < 500; ++i)
+        state.lines.Add(line(90000 + i, i + 1, 0));
+    m_journal->Start(m_props, state);
+    QElapsedTimer timer;
+    qint64 worst = 0;
+    std::vector<qint64> all;
+    for (int i = 0; i < 50; ++i) {
+        state.lines.Item(i * 7).SetValue("GoodsCheckedCnt", 1);
+        state.form["lblPickedNum"] = QString::number(i + 1) + "/1000";
+        timer.start();
+        m_journal->Commit(state);
+        worst = std::max(worst, timer.nsecsElapsed());
+        all.push_back(timer.nsecsElapsed());
+    }
+    std::sort(all.begin(), all.end());
+    std::printf("[ perf     ] journal commit of one line on 500: median %.3f worst %.3f ms\n", all[25] / 1e6, worst / 1e6);
+    EXPECT_EQ(m_journal->Read(m_props).lines.Item(49 * 7).GetValue("GoodsCheckedCnt").toInt(), 1);
+}
