@@ -4,6 +4,7 @@
 #include "host/employee_picker.h"
 #include "host/object_factory.h"
 #include "host/props_text.h"
+#include "host/record_keys.h"
 #include "log/log_list.h"
 #include "middletier/employee_list.h"
 #include "orderdata/order_goods.h"
@@ -454,12 +455,12 @@ QJsonObject ReplayDriver::stateJson(int step, const QString& command) const
     for (int i = 0; !set.isNone() && i < set.Count(); ++i) {
         const GoodsRecord line = set.Item(i);
         lines.append(QJsonObject{
-            {QStringLiteral("GoodsID"), lineValue(line, QStringLiteral("GoodsID"), false)},
-            {QStringLiteral("FEntryID"), lineValue(line, QStringLiteral("FEntryID"), false)},
-            {QStringLiteral("GoodsOrderCnt"), lineValue(line, QStringLiteral("GoodsOrderCnt"), false)},
-            {QStringLiteral("GoodsPickCnt"), lineValue(line, QStringLiteral("GoodsPickCnt"), false)},
-            {QStringLiteral("GoodsCheckedCnt"), lineValue(line, QStringLiteral("GoodsCheckedCnt"), false)},
-            {QStringLiteral("FSeriNum"), lineValue(line, QStringLiteral("FSeriNum"), true)},
+            {QStringLiteral("GoodsID"), lineValue(line, RecordKeys::GoodsID, false)},
+            {QStringLiteral("FEntryID"), lineValue(line, RecordKeys::FEntryID, false)},
+            {QStringLiteral("GoodsOrderCnt"), lineValue(line, RecordKeys::GoodsOrderCnt, false)},
+            {QStringLiteral("GoodsPickCnt"), lineValue(line, RecordKeys::GoodsPickCnt, false)},
+            {QStringLiteral("GoodsCheckedCnt"), lineValue(line, RecordKeys::GoodsCheckedCnt, false)},
+            {QStringLiteral("FSeriNum"), lineValue(line, RecordKeys::FSeriNum, true)},
         });
     }
     state.insert(QStringLiteral("lines"), lines);

@@ -1,4 +1,5 @@
 #include "grid/goods_text_model.h"
+#include "host/record_keys.h"
 #include <QtGlobal>
 #include <cmath>
 #include <limits>
@@ -13,22 +14,22 @@ QString idText(const GoodsRecord& line, const char* key)
 
 bool sameGoods(const GoodsRecord& line, qint32 goodsId)
 {
-    return GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsID"), 0)) == goodsId;
+    return GoodsTextModel::wholeNumber(line.GetValue(RecordKeys::GoodsID, 0)) == goodsId;
 }
 
 bool sameEntry(const GoodsRecord& line, qint32 entryId)
 {
-    return GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("FEntryID"), 0)) == entryId;
+    return GoodsTextModel::wholeNumber(line.GetValue(RecordKeys::FEntryID, 0)) == entryId;
 }
 
 qint64 checked(const GoodsRecord& line)
 {
-    return GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsCheckedCnt"), 0));
+    return GoodsTextModel::wholeNumber(line.GetValue(RecordKeys::GoodsCheckedCnt, 0));
 }
 
 qint64 ordered(const GoodsRecord& line)
 {
-    return GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsOrderCnt"), 0));
+    return GoodsTextModel::wholeNumber(line.GetValue(RecordKeys::GoodsOrderCnt, 0));
 }
 
 qint32 toLong(qint64 value)
@@ -128,7 +129,7 @@ int GoodsTextModel::indexOf(qint32 goodsId, qint32 entryId) const
 qint32 GoodsTextModel::addOne(GoodsRecord& line)
 {
     const qint32 count = toLong(checked(line) + 1);
-    line.SetValue(QStringLiteral("GoodsCheckedCnt"), count);
+    line.SetValue(RecordKeys::GoodsCheckedCnt, count);
     return count;
 }
 

@@ -2,6 +2,7 @@
 #include "host/error_reporter.h"
 #include "host/host_error.h"
 #include "host/platform.h"
+#include "host/record_keys.h"
 #include "orderdata/line_picking_state.h"
 #include "orderdata/order_goods.h"
 #include "session/language.h"
@@ -195,20 +196,6 @@ private:
 };
 
 namespace {
-
-template <class F>
-void trapped(QWidget* owner, F&& body)
-{
-    try {
-        body();
-    } catch (const HostError& e) {
-        ReportError(e.number(), e.description(), owner);
-    } catch (const std::exception& e) {
-        ReportError(0, QString::fromLocal8Bit(e.what()), owner);
-    } catch (...) {
-        ReportError(0, QStringLiteral("Unknown error"), owner);
-    }
-}
 
 } // namespace
 
@@ -406,9 +393,9 @@ void GoodsTextView::fillRow(int row, const GoodsRecord& line)
     put(ColName, text("GoodsName", ""), text("GoodsID", "0"));
     put(ColBarCode, text("GoodsBarCode", ""));
     put(ColModel, text("FModel", ""));
-    put(ColOrderCnt, numberCellText(line.GetValue(QStringLiteral("GoodsOrderCnt"), QStringLiteral("0"))));
-    put(ColCheckedCnt, numberCellText(line.GetValue(QStringLiteral("GoodsCheckedCnt"), QStringLiteral("0"))));
-    const bool serial = GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("FSerialClassID"), 0)) != 0;
+    put(ColOrderCnt, numberCellText(line.GetValue(RecordKeys::GoodsOrderCnt, QStringLiteral("0"))));
+    put(ColCheckedCnt, numberCellText(line.GetValue(RecordKeys::GoodsCheckedCnt, QStringLiteral("0"))));
+    const bool serial = GoodsTextModel::wholeNumber(line.GetValue(RecordKeys::FSerialClassID, 0)) != 0;
     put(ColSerial, serial ? QStringLiteral("Y") : QString());
 
     RowState& state = rowState(row);
@@ -462,7 +449,7 @@ void GoodsTextView::select(const GoodsRecord& line, qint32 goodsId)
 
 void GoodsTextView::LoadPickingGoods()
 {
-    trapped(this, [this] {
+    ReportingErrors(this, [this] {
         const RecordList list = GetGoodsLineSet();
         if (list.isNone())
             return;
@@ -480,7 +467,7 @@ void GoodsTextView::LoadPickingGoods()
         }
         if (n >= 1) {
             const GoodsRecord first = lineOfRow(list, 1);
-            SetCurrentGoodsID(first.GetValue(QStringLiteral("GoodsID"), QStringLiteral("0")).toString());
+            SetCurrentGoodsID(first.GetValue(RecordKeys::GoodsID, QStringLiteral("0")).toString());
             setActiveRow(1);
             emit GoodsSelected(first);
         }
@@ -495,17 +482,17 @@ void GoodsTextView::ClearGoods()
 
 void GoodsTextView::RefreshGoods()
 {
-    trapped(this, [this] {
+    ReportingErrors(this, [this] {
         const GoodsRecord current = CurrentGoodsLine();
         const QVariant itemId = current.isNone() ? QVariant(QStringLiteral("0"))
-                                                 : current.GetValue(QStringLiteral("FItemID"), QStringLiteral("0"));
+                                                 : current.GetValue(RecordKeys::FItemID, QStringLiteral("0"));
         refresh(false, qint32(GoodsTextModel::wholeNumber(itemId)), 0);
     });
 }
 
 void GoodsTextView::RefreshGoodsNew(qint32 goodsId, qint32 entryId)
 {
-    trapped(this, [this, goodsId, entryId] { refresh(true, goodsId, entryId); });
+    ReportingErrors(this, [this, goodsId, entryId] { refresh(true, goodsId, entryId); });
 }
 
 void GoodsTextView::refresh(bool withEntry, qint32 goodsId, qint32 entryId)
@@ -532,8 +519,8 @@ void GoodsTextView::refresh(bool withEntry, qint32 goodsId, qint32 entryId)
         for (int r = 1; r <= rows; ++r) {
             const GoodsRecord line = lineOfRow(list, r);
             const bool match = selected.isNone()
-                && GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("GoodsID"), 0)) == goodsId
-                && (!withEntry || GoodsTextModel::wholeNumber(line.GetValue(QStringLiteral("FEntryID"), 0)) == entryId);
+                && GoodsTextModel::wholeNumber(line.GetValue(RecordKeys::GoodsID, 0)) == goodsId
+                && (!withEntry || GoodsTextModel::wholeNumber(line.GetValue(RecordKeys::FEntryID, 0)) == entryId);
             if (match) {
                 selected = line;
                 setActiveRow(r);
@@ -614,7 +601,7 @@ void GoodsTextView::ClearCheckedCnt(qint32 goodsId)
         setCountCell(r, 0);
     GoodsRecord line = m_model.firstLine(goodsId);
     if (!line.isNone())
-        line.SetValue(QStringLiteral("GoodsCheckedCnt"), 0);
+        line.SetValue(RecordKeys::GoodsCheckedCnt, 0);
 }
 
 qint32 GoodsTextView::GetPickedCntNew(qint32 goodsId, qint32 entryId) const
@@ -634,7 +621,7 @@ void GoodsTextView::ClearCheckedCntNew(qint32 goodsId, qint32 entryId)
     GoodsRecord line = m_model.lineOf(goodsId, entryId);
     if (line.isNone())
         return;
-    line.SetValue(QStringLiteral("GoodsCheckedCnt"), 0);
+    line.SetValue(RecordKeys::GoodsCheckedCnt, 0);
     if (const int r = rowOfKey(GoodsTextModel::rowKey(line)))
         setCountCell(r, 0);
 }
@@ -690,7 +677,7 @@ void GoodsTextView::GetCheckCntNew(const GoodsRecord& lineStates) const
 void GoodsTextView::fpGoodsClick(int col, int row)
 {
     Q_UNUSED(col);
-    trapped(this, [this, row] {
+    ReportingErrors(this, [this, row] {
         if (row == 0)
             return;
         const QString tag = rowGoodsTag(row);

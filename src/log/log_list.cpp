@@ -177,7 +177,9 @@ void LogList::ImgDownClick()
 
 void LogList::ImgSaveClick()
 {
-    try {
+    // The pane itself never trapped file errors; here they end in the error
+    // box instead of taking the station down.
+    ReportingErrors(this, [&] {
         if (m_model.upperBound() < 0)
             return;
         const QDateTime now = m_clock();
@@ -189,13 +191,7 @@ void LogList::ImgSaveClick()
         const QByteArray bytes = text.toUtf8();
         if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(bytes) != bytes.size())
             throw HostError(HostErrors::FileError, QStringLiteral("Path/File access error: %1").arg(file.errorString()));
-    } catch (const HostError& e) {
-        // The pane itself never trapped file errors; here they end in the error
-        // box instead of taking the station down.
-        ReportError(e.number(), e.description(), this);
-    } catch (const std::exception& e) {
-        ReportError(0, QString::fromLocal8Bit(e.what()), this);
-    }
+    });
 }
 
 // --- Drawing ---------------------------------------------------------------

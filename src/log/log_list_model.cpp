@@ -1,4 +1,5 @@
 #include "log/log_list_model.h"
+#include "host/record_keys.h"
 #include <QtGlobal>
 #include <cmath>
 
@@ -43,7 +44,7 @@ void LogListModel::addLog(const GoodsRecord& entry)
 {
     if (entry.isNone())
         return;
-    const QString text = entry.GetValue(QStringLiteral("log"), QString()).toString();
+    const QString text = entry.GetValue(RecordKeys::log, QString()).toString();
     if (text.isEmpty())
         return;
     const int n = m_entries.UpperBound() + 1;
@@ -147,7 +148,7 @@ QString LogListModel::saveText(const QDateTime& now) const
     const QString dashes = QStringLiteral("---------------------------");
     QString text = dashes + defaultDateTimeText(now) + QLatin1Char(' ') + dashes;
     for (int i = 0; i <= m_entries.UpperBound(); ++i)
-        text += QStringLiteral("\r\n") + m_entries.Item(i).GetValue(QStringLiteral("log"), QString()).toString();
+        text += QStringLiteral("\r\n") + m_entries.Item(i).GetValue(RecordKeys::log, QString()).toString();
     // The file's print adds one line break after the whole text.
     return text + QStringLiteral("\r\n");
 }

@@ -1,6 +1,7 @@
 // RnBaseList.EmployeePicker: the host's picker dialog over t_Emp.
 #include "middletier/employee_list.h"
 #include "host/object_factory.h"
+#include "host/record_keys.h"
 #include "sql/sql_engine.h"
 
 namespace {
@@ -28,7 +29,7 @@ QList<EmployeeRow> FindEmployees(const QString& props, const QString& text)
         {pattern, pattern});
     QList<EmployeeRow> rows;
     for (; !rs->isEOF(); rs->MoveNext())
-        rows.append({rs->Fields(QStringLiteral("FItemID")), rs->Fields(QStringLiteral("FNumber")).toString(),
+        rows.append({rs->Fields(RecordKeys::FItemID), rs->Fields(QStringLiteral("FNumber")).toString(),
                      rs->Fields(QStringLiteral("FName")).toString()});
     return rows;
 }

@@ -1,5 +1,6 @@
 // RnMWDPickingAndDelivery.clsSaveData: picking status, picker and delivery.
 #include "host/object_factory.h"
+#include "host/record_keys.h"
 #include "middletier/middle_tier_values.h"
 #include "sql/sql_engine.h"
 #include <QDateTime>
@@ -12,12 +13,12 @@ public:
     {
         if (record.isNone())
             throw HostError(HostErrors::ObjectNotSet, QStringLiteral("Object variable or With block variable not set"));
-        const QString props = record.GetValue(QStringLiteral("sProps")).toString();
-        const QString code = record.GetValue(QStringLiteral("FLogisticsOrder")).toString();
-        const qint64 status = WholeNumberValue(record.GetValue(QStringLiteral("FPickingGoodsstatus")),
-                                               QStringLiteral("FPickingGoodsstatus"));
-        const qint64 picker = WholeNumberValue(record.GetValue(QStringLiteral("FPickingGoodMan")),
-                                               QStringLiteral("FPickingGoodMan"));
+        const QString props = record.GetValue(RecordKeys::sProps).toString();
+        const QString code = record.GetValue(RecordKeys::FLogisticsOrder).toString();
+        const qint64 status = WholeNumberValue(record.GetValue(RecordKeys::FPickingGoodsstatus),
+                                               RecordKeys::FPickingGoodsstatus);
+        const qint64 picker = WholeNumberValue(record.GetValue(RecordKeys::FPickingGoodMan),
+                                               RecordKeys::FPickingGoodMan);
         // the station scans either code of an order, so both identify it
         SqlEngine::forProps(props)->executeBound(
             QStringLiteral("UPDATE IC_Web2ERPOrders SET FPIckingGoodsStatus = ?, FPickingGoodMan = ?"

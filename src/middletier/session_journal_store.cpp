@@ -3,6 +3,7 @@
 // changed since the one before: the form's values, the log entries and the
 // lines whose records were written, the order of the lines when it moved.
 #include "host/host_error.h"
+#include "host/record_keys.h"
 #include "host/session_journal.h"
 #include "middletier/middle_tier_values.h"
 #include <QCryptographicHash>
@@ -414,8 +415,8 @@ private:
             const GoodsRecord& line = now[size_t(i)];
             auto it = m_lines.find(line.identity());
             if (it == m_lines.end()) {
-                const QString identity = line.GetValue(QStringLiteral("GoodsID"), QString()).toString() + QLatin1Char('/')
-                    + line.GetValue(QStringLiteral("FEntryID"), QString()).toString();
+                const QString identity = line.GetValue(RecordKeys::GoodsID, QString()).toString() + QLatin1Char('/')
+                    + line.GetValue(RecordKeys::FEntryID, QString()).toString();
                 it = m_lines.emplace(line.identity(), LineWritten{identity, ~quint64(0)}).first;
             }
             if (it->second.version != line.version()) {

@@ -1,4 +1,5 @@
 #include "orderdata/line_picking_state.h"
+#include "host/record_keys.h"
 #include <QVariant>
 
 namespace {
@@ -9,8 +10,8 @@ const char* const kStateKeys[] = {"GoodsCheckedCnt", "GoodsPickCnt", "FSeriNum",
 
 QString LineIdentity(const GoodsRecord& line)
 {
-    return line.GetValue(QStringLiteral("GoodsID"), QString()).toString() + QLatin1Char('/')
-        + line.GetValue(QStringLiteral("FEntryID"), QString()).toString();
+    return line.GetValue(RecordKeys::GoodsID, QString()).toString() + QLatin1Char('/')
+        + line.GetValue(RecordKeys::FEntryID, QString()).toString();
 }
 
 void CaptureLineStates(const RecordList& lines, GoodsRecord& states)

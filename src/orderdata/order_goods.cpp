@@ -3,6 +3,7 @@
 #include "host/host_error.h"
 #include "host/object_factory.h"
 #include "host/platform.h"
+#include "host/record_keys.h"
 #include "orderdata/goods_pictures.h"
 #include "session/host_session.h"
 #include "session/variant_convert.h"
@@ -66,32 +67,32 @@ GoodsRecord readGoodsLine(const Recordset& rs)
 {
     OrderState& s = state();
     GoodsRecord line;
-    line.Add(QStringLiteral("FEntryID"), rs.Fields(QStringLiteral("FEntryID")));
-    line.Add(QStringLiteral("FSeriNum"), Empty);
-    line.Add(QStringLiteral("FBatchNo"), rs.Fields(QStringLiteral("FBatchNo")));
-    line.Add(QStringLiteral("FSPID"), rs.Fields(QStringLiteral("FSPID")));
-    line.Add(QStringLiteral("FStockID"), rs.Fields(QStringLiteral("FStockID")));
-    line.Add(QStringLiteral("FSerialID"), Empty);
-    line.Add(QStringLiteral("FKFPeriod"), Empty);
-    line.Add(QStringLiteral("FKFDate"), Empty);
-    line.Add(QStringLiteral("GoodsID"), rs.Fields(QStringLiteral("FItemID")));
-    line.Add(QStringLiteral("GoodsName"), rs.Fields(QStringLiteral("FItemName")));
-    line.Add(QStringLiteral("GoodsOrderCnt"), rs.Fields(QStringLiteral("FQuantity")));
-    line.Add(QStringLiteral("GoodsPickCnt"), QVariant::fromValue<qint16>(0));
-    line.Add(QStringLiteral("GoodsBarCode"), rs.Fields(QStringLiteral("FBarCode")));
-    line.Add(QStringLiteral("GoodsCheckedCnt"), QVariant::fromValue<qint16>(0));
-    line.Add(QStringLiteral("FSerialClassID"), rs.Fields(QStringLiteral("FSerialClassID")));
-    line.Add(QStringLiteral("FModel"), rs.Fields(QStringLiteral("FModel")));
-    const QVariant picId = rs.Fields(QStringLiteral("FPicID"));
-    line.Add(QStringLiteral("FPicID"), picId);
+    line.Add(RecordKeys::FEntryID, rs.Fields(RecordKeys::FEntryID));
+    line.Add(RecordKeys::FSeriNum, Empty);
+    line.Add(RecordKeys::FBatchNo, rs.Fields(RecordKeys::FBatchNo));
+    line.Add(RecordKeys::FSPID, rs.Fields(RecordKeys::FSPID));
+    line.Add(RecordKeys::FStockID, rs.Fields(RecordKeys::FStockID));
+    line.Add(RecordKeys::FSerialID, Empty);
+    line.Add(RecordKeys::FKFPeriod, Empty);
+    line.Add(RecordKeys::FKFDate, Empty);
+    line.Add(RecordKeys::GoodsID, rs.Fields(RecordKeys::FItemID));
+    line.Add(RecordKeys::GoodsName, rs.Fields(RecordKeys::FItemName));
+    line.Add(RecordKeys::GoodsOrderCnt, rs.Fields(RecordKeys::FQuantity));
+    line.Add(RecordKeys::GoodsPickCnt, QVariant::fromValue<qint16>(0));
+    line.Add(RecordKeys::GoodsBarCode, rs.Fields(RecordKeys::FBarCode));
+    line.Add(RecordKeys::GoodsCheckedCnt, QVariant::fromValue<qint16>(0));
+    line.Add(RecordKeys::FSerialClassID, rs.Fields(RecordKeys::FSerialClassID));
+    line.Add(RecordKeys::FModel, rs.Fields(RecordKeys::FModel));
+    const QVariant picId = rs.Fields(RecordKeys::FPicID);
+    line.Add(RecordKeys::FPicID, picId);
     QString picture = Empty;
     if (!picId.isNull() && IsNumeric(picId.toString())) {
-        const QString itemId = rs.Fields(QStringLiteral("FItemID")).toString();
+        const QString itemId = rs.Fields(RecordKeys::FItemID).toString();
         // A missing picture is no reason to stop the load: the tile shows its default.
         WriteGoodsPicture(GetPropsString(), variantToLong(picId), itemId);
         picture = s.pictureTempFolder + QStringLiteral("Tmp_") + itemId;
     }
-    line.Add(QStringLiteral("GoodsPicture"), picture);
+    line.Add(RecordKeys::GoodsPicture, picture);
     return line;
 }
 
@@ -143,7 +144,8 @@ RecordList LoadOrderGoods(const QString& code)
     s.webshopName = Empty;
     if (code.isEmpty())
         return s.lines;
-    try {
+    // The lines read so far stay: the worker sees what could be loaded.
+    ReportingErrors(nullptr, [&] {
         choosePictureTempFolder();
         // Emptied in place: the views hold this very list.
         if (s.lines.isNone())
@@ -163,14 +165,7 @@ RecordList LoadOrderGoods(const QString& code)
             s.lines.Add(line);
             rs->MoveNext();
         }
-    } catch (const HostError& e) {
-        // The lines read so far stay: the worker sees what could be loaded.
-        ReportError(e.number(), e.description());
-    } catch (const std::exception& e) {
-        ReportError(HostErrors::Database, QString::fromLocal8Bit(e.what()));
-    } catch (...) {
-        ReportError(HostErrors::Database, QStringLiteral("Unknown error while loading the order"));
-    }
+    });
     return s.lines;
 }
 
@@ -179,8 +174,8 @@ GoodsRecord FindWebOrderGoodsByBarCode(const QString& barCode)
     RecordsetPtr rs = executeSql(BuildBarCodeLookupSql(barCode));
     GoodsRecord goods;
     while (rs && !rs->isEOF()) {
-        goods.SetValue(QStringLiteral("FItemID"), rs->Fields(QStringLiteral("FItemID")));
-        goods.SetValue(QStringLiteral("FSerialClassID"), rs->Fields(QStringLiteral("FSerialClassID")));
+        goods.SetValue(RecordKeys::FItemID, rs->Fields(RecordKeys::FItemID));
+        goods.SetValue(RecordKeys::FSerialClassID, rs->Fields(RecordKeys::FSerialClassID));
         rs->MoveNext();
     }
     return goods;
@@ -217,8 +212,8 @@ qint32 FindGoodsLineIndex(qint32 goodsId, const QString& entryId)
         throw HostError(HostErrors::ObjectNotSet, QStringLiteral("Object variable or With block variable not set"));
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
         const GoodsRecord line = lines.Item(i);
-        if (SameIdText(line.GetValue(QStringLiteral("GoodsID")), goodsId)
-            && line.GetValue(QStringLiteral("FEntryID")).toString() == entryId)
+        if (SameIdText(line.GetValue(RecordKeys::GoodsID), goodsId)
+            && line.GetValue(RecordKeys::FEntryID).toString() == entryId)
             return i;
     }
     return -1;

@@ -1,5 +1,6 @@
 #include "orderdata/serial_lookup.h"
 #include "host/object_factory.h"
+#include "host/record_keys.h"
 #include "session/host_session.h"
 
 namespace {
@@ -110,12 +111,12 @@ GoodsRecord FindSerialNumber(const QString& serialNumber)
         for (const char* column : {"FItemID", "FSerialNum", "FSerialID", "FBatchNo", "FStockID", "FStockPlace"})
             found.SetValue(QLatin1String(column), rs->Fields(QLatin1String(column)));
         // The statement answers '' for a shelf life of 0; the scan compares numbers.
-        const QVariant period = rs->Fields(QStringLiteral("FKFPeriod"));
+        const QVariant period = rs->Fields(RecordKeys::FKFPeriod);
         if (!period.isNull() && period.toString().isEmpty())
-            found.SetValue(QStringLiteral("FKFPeriod"), QVariant::fromValue<qint16>(0));
+            found.SetValue(RecordKeys::FKFPeriod, QVariant::fromValue<qint16>(0));
         else
-            found.SetValue(QStringLiteral("FKFPeriod"), period);
-        found.SetValue(QStringLiteral("FKFDate"), rs->Fields(QStringLiteral("FKFDate")));
+            found.SetValue(RecordKeys::FKFPeriod, period);
+        found.SetValue(RecordKeys::FKFDate, rs->Fields(RecordKeys::FKFDate));
         rs->MoveNext();
     }
     return found;

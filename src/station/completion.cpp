@@ -44,17 +44,11 @@ void frmPickigGoods::UpdateDelivery(const QString& code)
         return;
     // The order has passed whatever happens here: the worker is told and the
     // station stays as it is.
-    try {
+    ReportingErrors(this, [&] {
         const std::optional<GoodsRecord> header = OrderHeaderQuery(code);
         if (!header)
             return;
         auto save = CreateServerObjectAs<ISaveData>(ProgIds::SaveData);
         save->UpdateDeliveryData(GetPropsString(), header->GetValue(QStringLiteral("FID")).toLongLong());
-    } catch (const HostError& e) {
-        ShowHostMessage(e.description(), this);
-    } catch (const std::exception& e) {
-        ShowHostMessage(QString::fromLocal8Bit(e.what()), this);
-    } catch (...) {
-        ShowHostMessage(QStringLiteral("Unknown error"), this);
-    }
+    });
 }

@@ -2,6 +2,7 @@
 // settings, the option clicks, and the close with its question.
 #include "host/error_reporter.h"
 #include "host/object_factory.h"
+#include "host/record_keys.h"
 #include "log/log_list.h"
 #include "orderdata/order_goods.h"
 #include "session/host_session.h"
@@ -62,20 +63,6 @@ bool settingIsOn(const RecordsetPtr& rs)
     return rs->Fields(QStringLiteral("FValue")).toString() == QLatin1String("1");
 }
 
-template <class Work>
-void guarded(QWidget* form, Work work)
-{
-    try {
-        work();
-    } catch (const HostError& e) {
-        ReportError(e.number(), e.description(), form);
-    } catch (const std::exception& e) {
-        ReportError(0, QString::fromLocal8Bit(e.what()), form);
-    } catch (...) {
-        ReportError(0, QStringLiteral("Unknown error"), form);
-    }
-}
-
 } // namespace
 
 void frmPickigGoods::LoadEmployee()
@@ -83,13 +70,13 @@ void frmPickigGoods::LoadEmployee()
     ui->TxtEmployee->setText(QString());
     // The Tag of TxtEmployee holds the picker's employee item id.
     ui->TxtEmployee->setProperty("Tag", QString());
-    guarded(this, [this] {
+    ReportingErrors(this, [this] {
         auto data = CreateServerObjectAs<IGetData>(ProgIds::GetData);
         RecordsetPtr rs = data->ExecuteSQL(GetPropsString(), EmployeeSql(GetUserID()));
         if (!rs || rs->RecordCount() < 1)
             return;
         ui->TxtEmployee->setText(rs->Fields(QStringLiteral("FName")).toString());
-        ui->TxtEmployee->setProperty("Tag", rs->Fields(QStringLiteral("FItemID")));
+        ui->TxtEmployee->setProperty("Tag", rs->Fields(RecordKeys::FItemID));
     });
 }
 
@@ -98,7 +85,7 @@ void frmPickigGoods::LoadOptions()
     ui->chkBarCode->setChecked(true);
     ui->chkHaveSerial->setChecked(false);
     ui->chkShowText->setCheckState(Qt::Unchecked);
-    guarded(this, [this] {
+    ReportingErrors(this, [this] {
         auto profile = CreateServerObjectAs<IUserProfile>(ProgIds::UserProfile);
         const GoodsRecord barCode = profile->LoadUserProfile(GetPropsString(), ProfileCategory, BarCodeProfileKey);
         ui->chkBarCode->setChecked(optionChecked(barCode, QStringLiteral("chkBarCode"), true));
@@ -110,7 +97,7 @@ void frmPickigGoods::LoadOptions()
         ui->chkShowText->setCheckState(showTextValue == 2 ? Qt::PartiallyChecked
                                    : showTextValue == 1 ? Qt::Checked : Qt::Unchecked);
     });
-    guarded(this, [this] {
+    ReportingErrors(this, [this] {
         auto data = CreateServerObjectAs<IGetData>(ProgIds::GetData);
         m_DeliverOnPick = settingIsOn(data->ExecuteSQL(GetPropsString(), DeliverOnPickSql()));
         m_CreateStockBill = settingIsOn(data->ExecuteSQL(GetPropsString(), CreateStockBillSql()));
@@ -121,7 +108,7 @@ void frmPickigGoods::LoadOptions()
 
 void frmPickigGoods::SaveOptions()
 {
-    guarded(this, [this] {
+    ReportingErrors(this, [this] {
         auto profile = CreateServerObjectAs<IUserProfile>(ProgIds::UserProfile);
         GoodsRecord barCode;
         barCode.SetValue(QStringLiteral("chkBarCode"), ui->chkBarCode->isChecked() ? 1 : 0);
@@ -144,13 +131,13 @@ void frmPickigGoods::chkHaveSerial_Click()
 void frmPickigGoods::chkShowText_Click()
 {
     const JournalCommit commit{*this};
-    guarded(this, [this] { activeView().switchTo(ui->PiclistBack->size()); });
+    ReportingErrors(this, [this] { activeView().switchTo(ui->PiclistBack->size()); });
 }
 
 void frmPickigGoods::TxtEmployee_PickEmployee()
 {
     const JournalCommit commit{*this};
-    guarded(this, [this] {
+    ReportingErrors(this, [this] {
         auto picker = CreateServerObjectAs<IEmployeePicker>(ProgIds::EmployeePicker);
         const EmployeePickResult result = picker->Pick(this, GetPropsString(), ui->TxtEmployee->text());
         if (result.ReturnOK && result.ReturnObject.Detail) {
@@ -163,7 +150,7 @@ void frmPickigGoods::TxtEmployee_PickEmployee()
 void frmPickigGoods::LogList1_FilterChanged()
 {
     const JournalCommit commit{*this};
-    guarded(this, [this] {
+    ReportingErrors(this, [this] {
         reloadLogPane();
     });
 }
@@ -171,13 +158,13 @@ void frmPickigGoods::LogList1_FilterChanged()
 bool frmPickigGoods::QueryUnload()
 {
     bool passed = true;
-    guarded(this, [&] { passed = LogLeavingVerdict(); });
+    ReportingErrors(this, [&] { passed = LogLeavingVerdict(); });
     if (!HasGoodsLines() || passed || m_state.CurrentOrderCode() == PickingState::NoOrderMark)
         return true;
 
     int answer = MsgBox::No;
     bool asked = false;
-    guarded(this, [&] {
+    ReportingErrors(this, [&] {
         const QString prompt = LoadResKey(QStringLiteral("irAmUS")) + m_state.CurrentOrderCode()
             + LoadString(QStringLiteral("未通过，是否继续校验?"));
         answer = ShowMessageBox(prompt, MsgBox::YesNo | MsgBox::Question, VeltoTitle);
@@ -222,5 +209,5 @@ void frmPickigGoods::unload()
     closeJournal();
     m_state.release();
     // The module-wide order state ends with the station.
-    guarded(this, [] { ResetSessionState(); });
+    ReportingErrors(this, [] { ResetSessionState(); });
 }

@@ -88,14 +88,10 @@ frmPickigGoods::frmPickigGoods(QWidget* parent) : QDialog(parent), ui(std::make_
     ui->TxtNum->setText(QStringLiteral("1"));
     ui->lblPickInfo->setText(QString());
     ui->ImgSuccess->hide();
-    try {
+    ReportingErrors(this, [&] {
         // The session may have changed since the component was last used.
         ParsePropsString(GetPropsString());
-    } catch (const HostError& e) {
-        ReportError(e.number(), e.description(), this);
-    } catch (const std::exception& e) {
-        ReportError(0, QString::fromLocal8Bit(e.what()), this);
-    }
+    });
     LoadEmployee();
 
     // Load: fonts, options, company settings.

@@ -2,6 +2,7 @@
 // open line of the order on the station, the active view counts it unit by
 // unit, and every outcome gets a message, a voice prompt and a verdict.
 #include "station/frm_pickig_goods.h"
+#include "host/record_keys.h"
 #include "ui_frm_pickig_goods.h"
 #include "host/error_reporter.h"
 #include "host/host_error.h"
@@ -38,13 +39,13 @@ double number(const GoodsRecord& record, const QString& key)
 
 bool hasOpenQuantity(const GoodsRecord& line)
 {
-    return number(line, QStringLiteral("GoodsPickCnt")) < number(line, QStringLiteral("GoodsOrderCnt"));
+    return number(line, RecordKeys::GoodsPickCnt) < number(line, RecordKeys::GoodsOrderCnt);
 }
 
 void addToPickCnt(GoodsRecord& line, int delta)
 {
-    const int picked = line.GetValue(QStringLiteral("GoodsPickCnt"), 0).toInt() + delta;
-    line.SetValue(QStringLiteral("GoodsPickCnt"), QVariant::fromValue<qint16>(qint16(picked)));
+    const int picked = line.GetValue(RecordKeys::GoodsPickCnt, 0).toInt() + delta;
+    line.SetValue(RecordKeys::GoodsPickCnt, QVariant::fromValue<qint16>(qint16(picked)));
 }
 
 void appendToList(GoodsRecord& line, const QString& key, const QString& value)
@@ -131,7 +132,7 @@ void frmPickigGoods::GoodsScan::run()
         return;
 
     f.SetMessage(QString());
-    const QString entry = text(m_found, QStringLiteral("FEntryID"));
+    const QString entry = text(m_found, RecordKeys::FEntryID);
     const qint32 index = FindGoodsLineIndex(m_itemId, entry);
     if (index == -2) {
         // A GS1 code is never an order's code.
@@ -231,31 +232,31 @@ bool frmPickigGoods::GoodsScan::lookUp()
     if (m_serialMode) {
         // A label without a serial number finds no serial.
         m_found = !gs1 ? FindSerialNumber(m_code) : m_gs1.serial ? FindSerialNumber(*m_gs1.serial) : GoodsRecord();
-        if (!text(m_found, QStringLiteral("FItemID")).isEmpty()) {
+        if (!text(m_found, RecordKeys::FItemID).isEmpty()) {
             if (gs1 && !serialFitsLabel())
                 return false;
-            m_itemId = m_found.GetValue(QStringLiteral("FItemID")).toInt();
+            m_itemId = m_found.GetValue(RecordKeys::FItemID).toInt();
             m_serialScan = true;
         }
         return true;
     }
     m_found = !gs1 ? FindWebOrderGoodsByBarCode(m_code) : m_gs1.gtin ? FindWebOrderGoodsByGtin(*m_gs1.gtin) : GoodsRecord();
-    if (!text(m_found, QStringLiteral("FItemID")).isEmpty()) {
-        if (m_found.GetValue(QStringLiteral("FSerialClassID"), 0).toInt() != 0) {
+    if (!text(m_found, RecordKeys::FItemID).isEmpty()) {
+        if (m_found.GetValue(RecordKeys::FSerialClassID, 0).toInt() != 0) {
             f.PlayVoice(kVoiceScanSerial);
             f.SetMessage(QStringLiteral("亲,请扫描序列号"));
             return false;
         }
-        m_itemId = m_found.GetValue(QStringLiteral("FItemID")).toInt();
+        m_itemId = m_found.GetValue(RecordKeys::FItemID).toInt();
     }
     return true;
 }
 
 bool frmPickigGoods::GoodsScan::serialFitsLabel()
 {
-    const QString item = text(m_found, QStringLiteral("FItemID"));
-    const bool goodsFit = !m_gs1.gtin || text(FindWebOrderGoodsByGtin(*m_gs1.gtin), QStringLiteral("FItemID")) == item;
-    const bool batchFits = !m_gs1.batch || *m_gs1.batch == text(m_found, QStringLiteral("FBatchNo"));
+    const QString item = text(m_found, RecordKeys::FItemID);
+    const bool goodsFit = !m_gs1.gtin || text(FindWebOrderGoodsByGtin(*m_gs1.gtin), RecordKeys::FItemID) == item;
+    const bool batchFits = !m_gs1.batch || *m_gs1.batch == text(m_found, RecordKeys::FBatchNo);
     if (!goodsFit || !batchFits) {
         f.PlayVoice(kVoiceFindGoods);
         f.SetMessage(QStringLiteral("该商品的批次、仓库、仓位信息与订单分录上的不一致"));
@@ -274,8 +275,8 @@ bool frmPickigGoods::GoodsScan::chooseBarCodeLine()
     const RecordList lines = GetGoodsLineSet();
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
         GoodsRecord line = lines.Item(i);
-        if (SameIdText(line.GetValue(QStringLiteral("GoodsID"), QString()), m_itemId) && hasOpenQuantity(line)) {
-            m_found.SetValue(QStringLiteral("FEntryID"), line.GetValue(QStringLiteral("FEntryID")));
+        if (SameIdText(line.GetValue(RecordKeys::GoodsID, QString()), m_itemId) && hasOpenQuantity(line)) {
+            m_found.SetValue(RecordKeys::FEntryID, line.GetValue(RecordKeys::FEntryID));
             addToPickCnt(line, 1);
             m_line = line;
             break;
@@ -290,25 +291,25 @@ bool frmPickigGoods::GoodsScan::chooseSerialLine()
     const QString item = QString::number(m_itemId);
     // The server finds serials without regard to case; the serial as stored
     // is the one the line keeps, so a rescan in other case is still a repeat.
-    QString serial = text(m_found, QStringLiteral("FSerialNum"));
+    QString serial = text(m_found, RecordKeys::FSerialNum);
     if (serial.isEmpty())
         serial = m_gs1.serial.value_or(m_code);
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
         GoodsRecord line = lines.Item(i);
-        if (text(line, QStringLiteral("GoodsID")) != item || !hasOpenQuantity(line))
+        if (text(line, RecordKeys::GoodsID) != item || !hasOpenQuantity(line))
             continue;
-        if (SerialListContains(text(line, QStringLiteral("FSeriNum")), serial)) {
+        if (SerialListContains(text(line, RecordKeys::FSeriNum), serial)) {
             f.PlayVoice(kVoiceRepeatScan);
             f.SetMessage(QStringLiteral("该商品的序列号重复扫描"));
             return false;
         }
-        if (text(m_found, QStringLiteral("FStockID")) == text(line, QStringLiteral("FStockID"))
-            && text(m_found, QStringLiteral("FBatchNo")) == text(line, QStringLiteral("FBatchNo"))
-            && text(m_found, QStringLiteral("FStockPlace")) == text(line, QStringLiteral("FSPID"))) {
-            m_found.SetValue(QStringLiteral("FEntryID"), line.GetValue(QStringLiteral("FEntryID")));
+        if (text(m_found, RecordKeys::FStockID) == text(line, RecordKeys::FStockID)
+            && text(m_found, RecordKeys::FBatchNo) == text(line, RecordKeys::FBatchNo)
+            && text(m_found, QStringLiteral("FStockPlace")) == text(line, RecordKeys::FSPID)) {
+            m_found.SetValue(RecordKeys::FEntryID, line.GetValue(RecordKeys::FEntryID));
             addToPickCnt(line, 1);
             m_line = line;
-            m_found.SetValue(QStringLiteral("FSerialNum"), serial);
+            m_found.SetValue(RecordKeys::FSerialNum, serial);
             return true;
         }
         // A serial may fit a later line of the same goods, so an earlier line
@@ -325,10 +326,10 @@ bool frmPickigGoods::GoodsScan::chooseSerialLine()
 
 bool frmPickigGoods::GoodsScan::shelfLifeFits(GoodsRecord& line)
 {
-    const QString period = text(m_found, QStringLiteral("FKFPeriod"));
-    const QString date = text(m_found, QStringLiteral("FKFDate"));
-    const QString linePeriods = text(line, QStringLiteral("FKFPeriod"));
-    const QString lineDates = text(line, QStringLiteral("FKFDate"));
+    const QString period = text(m_found, RecordKeys::FKFPeriod);
+    const QString date = text(m_found, RecordKeys::FKFDate);
+    const QString linePeriods = text(line, RecordKeys::FKFPeriod);
+    const QString lineDates = text(line, RecordKeys::FKFDate);
     if ((!linePeriods.isEmpty() && ListDiffersFrom(linePeriods, period))
         || (!lineDates.isEmpty() && ListDiffersFrom(lineDates, date))) {
         f.PlayVoice(kVoiceDifKFPeriod);
@@ -336,10 +337,10 @@ bool frmPickigGoods::GoodsScan::shelfLifeFits(GoodsRecord& line)
         addToPickCnt(line, -1);
         return false;
     }
-    appendToList(line, QStringLiteral("FSeriNum"), text(m_found, QStringLiteral("FSerialNum")));
-    appendToList(line, QStringLiteral("FSerialID"), text(m_found, QStringLiteral("FSerialID")));
-    appendToList(line, QStringLiteral("FKFPeriod"), period);
-    appendToList(line, QStringLiteral("FKFDate"), date);
+    appendToList(line, RecordKeys::FSeriNum, text(m_found, RecordKeys::FSerialNum));
+    appendToList(line, RecordKeys::FSerialID, text(m_found, RecordKeys::FSerialID));
+    appendToList(line, RecordKeys::FKFPeriod, period);
+    appendToList(line, RecordKeys::FKFDate, date);
     return true;
 }
 
@@ -352,17 +353,11 @@ bool frmPickigGoods::scanGoodsCode()
 {
     const JournalCommit commit{*this};
     bool quantityRefused = false;
-    try {
+    ReportingErrors(this, [&] {
         GoodsScan scan(*this);
         scan.run();
         quantityRefused = scan.quantityRefused();
-    } catch (const HostError& e) {
-        ReportError(e.number(), e.description(), this);
-    } catch (const std::exception& e) {
-        ReportError(0, QString::fromLocal8Bit(e.what()), this);
-    } catch (...) {
-        ReportError(0, QStringLiteral("Unknown error"), this);
-    }
+    });
     // Every path, errors included, leaves the station ready for the next scan.
     ui->TxtNum->setText(QStringLiteral("1"));
     FocusAndSelect(ui->TxtItemID);

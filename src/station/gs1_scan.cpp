@@ -1,4 +1,5 @@
 #include "station/gs1_scan.h"
+#include "host/record_keys.h"
 #include "orderdata/order_goods.h"
 #include "station/gs1_element_string.h"
 #include <QDate>
@@ -35,7 +36,7 @@ GoodsRecord FindWebOrderGoodsByGtin(const QString& gtin14)
 {
     for (const QString& barCode : Gs1GtinCandidates(gtin14)) {
         GoodsRecord found = FindWebOrderGoodsByBarCode(barCode);
-        if (!found.GetValue(QStringLiteral("FItemID"), QString()).toString().isEmpty())
+        if (!found.GetValue(RecordKeys::FItemID, QString()).toString().isEmpty())
             return found;
     }
     return GoodsRecord();
@@ -43,13 +44,13 @@ GoodsRecord FindWebOrderGoodsByGtin(const QString& gtin14)
 
 bool Gs1ExpiryFits(const QString& yymmdd, const GoodsRecord& serial)
 {
-    const QVariant produced = serial.GetValue(QStringLiteral("FKFDate"));
+    const QVariant produced = serial.GetValue(RecordKeys::FKFDate);
     QDate date = produced.typeId() == QMetaType::QDateTime ? produced.toDateTime().date()
                : produced.typeId() == QMetaType::QDate     ? produced.toDate()
                                                             : QDate::fromString(produced.toString().left(10), Qt::ISODate);
     if (!date.isValid())
         return true;
-    const QDate limit = date.addDays(serial.GetValue(QStringLiteral("FKFPeriod"), 0).toInt());
+    const QDate limit = date.addDays(serial.GetValue(RecordKeys::FKFPeriod, 0).toInt());
     // The label's YYMMDD; DD 00 stands for the month's end.
     const int yy = yymmdd.left(2).toInt();
     const int mm = yymmdd.mid(2, 2).toInt();

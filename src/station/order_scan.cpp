@@ -4,6 +4,7 @@
 #include "host/error_reporter.h"
 #include "host/object_factory.h"
 #include "host/platform.h"
+#include "host/record_keys.h"
 #include "log/log_list.h"
 #include "station/active_view.h"
 #include "orderdata/order_goods.h"
@@ -54,7 +55,7 @@ QString translatedVerdict(const QString& text)
 void frmPickigGoods::TxtID_Enter()
 {
     const JournalCommit commit{*this};
-    try {
+    ReportingErrors(this, [&] {
         const QString code = TrimBlanks(ui->TxtID->text());
         LogLeavingVerdict();
         if (code.isEmpty())
@@ -105,13 +106,7 @@ void frmPickigGoods::TxtID_Enter()
         } else {
             SetMessage(QString());
         }
-    } catch (const HostError& e) {
-        ReportError(e.number(), e.description(), this);
-    } catch (const std::exception& e) {
-        ReportError(0, QString::fromLocal8Bit(e.what()), this);
-    } catch (...) {
-        ReportError(0, QStringLiteral("Unknown error"), this);
-    }
+    });
 }
 
 std::optional<GoodsRecord> frmPickigGoods::OrderHeaderQuery(const QString& code)
@@ -132,7 +127,7 @@ void frmPickigGoods::GetGoodsNum(const QString& code, qint32& total)
         GetPropsString(), GoodsNumSql(code, hasSerialGoods, ui->chkBarCode->isChecked(), ui->chkHaveSerial->isChecked()));
     qint32 sum = 0;
     for (; rs && !rs->isEOF(); rs->MoveNext()) {
-        const QVariant quantity = rs->Fields(QStringLiteral("FQuantity"));
+        const QVariant quantity = rs->Fields(RecordKeys::FQuantity);
         if (quantity.isNull())
             continue;
         const qint64 next = qint64(sum) + variantToLong(quantity);
@@ -188,7 +183,7 @@ qint32 frmPickigGoods::loadOrderTotal(const QString& code)
 
 void frmPickigGoods::RestoreOrder(const GoodsRecord& entry)
 {
-    const QString code = entry.GetValue(QStringLiteral("ID")).toString();
+    const QString code = entry.GetValue(RecordKeys::ID).toString();
     // The order still on the station keeps its lines (and the serials scanned
     // on them); an order left earlier is read again.
     const bool reload = code != m_state.CurrentOrderCode() || !HasGoodsLines();
@@ -207,7 +202,7 @@ void frmPickigGoods::RestoreOrder(const GoodsRecord& entry)
     ResetPickState();
 
     m_state.restoreCounters(entry);
-    if (entry.GetValue(QStringLiteral("bSuccess"), false).toBool()) {
+    if (entry.GetValue(RecordKeys::bSuccess, false).toBool()) {
         ui->ImgSuccess->show();
         PlayVoice(QStringLiteral("\\voice\\Succes.wav"));
     }
@@ -232,20 +227,14 @@ void frmPickigGoods::RefuseOrder()
 
 bool frmPickigGoods::SavePickingStatus(const QString& code, bool done)
 {
-    try {
+    return ReportingErrors(this, [&] {
         GoodsRecord record;
-        record.SetValue(QStringLiteral("FPickingGoodMan"), done ? ui->TxtEmployee->property("Tag") : QVariant(0));
-        record.SetValue(QStringLiteral("FLogisticsOrder"), code);
-        record.SetValue(QStringLiteral("sProps"), GetPropsString());
-        record.SetValue(QStringLiteral("FPickingGoodsstatus"), done ? 1 : 0);
+        record.SetValue(RecordKeys::FPickingGoodMan, done ? ui->TxtEmployee->property("Tag") : QVariant(0));
+        record.SetValue(RecordKeys::FLogisticsOrder, code);
+        record.SetValue(RecordKeys::sProps, GetPropsString());
+        record.SetValue(RecordKeys::FPickingGoodsstatus, done ? 1 : 0);
         CreateServerObjectAs<ISaveData>(ProgIds::SaveData)->SavePickingGoods(record);
-        return true;
-    } catch (const HostError& e) {
-        ShowHostMessage(e.description(), this);
-    } catch (const std::exception& e) {
-        ShowHostMessage(QString::fromLocal8Bit(e.what()), this);
-    }
-    return false;
+    });
 }
 
 bool frmPickigGoods::LogLeavingVerdict()

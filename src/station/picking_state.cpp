@@ -1,10 +1,9 @@
 #include "station/picking_state.h"
+#include "host/record_keys.h"
 
 const QString PickingState::NoOrderMark = QStringLiteral("+");
 
 namespace {
-
-const QString kId = QStringLiteral("ID");
 
 qint64 numberOf(const GoodsRecord& record, const QString& key)
 {
@@ -70,7 +69,7 @@ GoodsRecord PickingState::entryOf(const QString& code) const
 {
     for (int i = 0; logOpen() && i < m_sessionOrderLog.Count(); ++i) {
         const GoodsRecord entry = m_sessionOrderLog.Item(i);
-        if (entry.GetValue(kId).toString() == code)
+        if (entry.GetValue(RecordKeys::ID).toString() == code)
             return entry;
     }
     return GoodsRecord::none();
@@ -82,7 +81,7 @@ GoodsRecord PickingState::sessionEntry(const QString& code)
     if (!entry.isNone())
         return entry;
     entry = GoodsRecord();
-    entry.SetValue(kId, code);
+    entry.SetValue(RecordKeys::ID, code);
     entry.SetValue(QStringLiteral("PickedNum"), QVariant::fromValue(GoodsRecord()));
     m_sessionOrderLog.Add(entry);
     return entry;
@@ -96,8 +95,8 @@ void PickingState::logVerdict(const QString& code, const QString& shown, bool su
     entry.SetValue(QStringLiteral("ExcessNum"), m_excessNum);
     entry.SetValue(QStringLiteral("MissingNum"), m_missingNum);
     entry.SetValue(QStringLiteral("ErrorNum"), m_errorNum);
-    entry.SetValue(QStringLiteral("bSuccess"), success);
-    entry.SetValue(QStringLiteral("log"), shown);
+    entry.SetValue(RecordKeys::bSuccess, success);
+    entry.SetValue(RecordKeys::log, shown);
     if (!m_sessionOrderKeys.Exists(code))
         m_sessionOrderKeys.Add(code, code);
 }
@@ -111,7 +110,7 @@ void PickingState::keepLineCounts(const QString& code, const GoodsRecord& counts
 bool PickingState::removeEntry(const QString& code)
 {
     for (int i = m_sessionOrderLog.UpperBound(); i >= m_sessionOrderLog.LowerBound(); --i) {
-        if (m_sessionOrderLog.Item(i).GetValue(kId).toString() == code) {
+        if (m_sessionOrderLog.Item(i).GetValue(RecordKeys::ID).toString() == code) {
             m_sessionOrderLog.Remove(i);
             return true;
         }
@@ -137,7 +136,7 @@ qint32 PickingState::pickedOnLines(const RecordList& lines)
     qint32 picked = 0;
     for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
         const GoodsRecord line = lines.Item(i);
-        picked += qint32(qMin(numberOf(line, QStringLiteral("GoodsCheckedCnt")), numberOf(line, QStringLiteral("GoodsOrderCnt"))));
+        picked += qint32(qMin(numberOf(line, RecordKeys::GoodsCheckedCnt), numberOf(line, RecordKeys::GoodsOrderCnt)));
     }
     return picked;
 }

@@ -10,25 +10,12 @@
 namespace {
 const QString kNotNumeric = QStringLiteral("商品数量只能为数值！");
 
-template <class Work>
-void guarded(frmPickigGoods* form, Work work)
-{
-    try {
-        work();
-    } catch (const HostError& e) {
-        ShowHostMessage(e.description(), form);
-    } catch (const std::exception& e) {
-        ShowHostMessage(QString::fromLocal8Bit(e.what()), form);
-    } catch (...) {
-        ShowHostMessage(QStringLiteral("Unknown error"), form);
-    }
-}
 } // namespace
 
 void frmPickigGoods::TxtNum_Change()
 {
     const JournalCommit commit{*this};
-    guarded(this, [this] {
+    ReportingErrors(this, [this] {
         const QString text = ui->TxtNum->text();
         // Empty is allowed while the worker types.
         if (text.isEmpty() || IsNumeric(text))
@@ -40,7 +27,7 @@ void frmPickigGoods::TxtNum_Change()
 
 void frmPickigGoods::TxtNum_Enter()
 {
-    guarded(this, [this] {
+    ReportingErrors(this, [this] {
         if (!IsNumeric(ui->TxtNum->text())) {
             ui->TxtNum->setText(QString());
             SetMessage(kNotNumeric);

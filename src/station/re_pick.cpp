@@ -10,7 +10,7 @@
 void frmPickigGoods::CmdBtnRePick_Click()
 {
     const JournalCommit commit{*this};
-    try {
+    ReportingErrors(this, [&] {
         QString code = ui->TxtID->text().trimmed();
         if (code.isEmpty())
             return;
@@ -41,11 +41,5 @@ void frmPickigGoods::CmdBtnRePick_Click()
             SetMessage(QStringLiteral("找不到物流单号/唯一码/商品条码"));
             FocusAndSelect(ui->TxtID);
         }
-    } catch (const HostError& e) {
-        ShowHostMessage(e.description(), this);
-    } catch (const std::exception& e) {
-        ShowHostMessage(QString::fromLocal8Bit(e.what()), this);
-    } catch (...) {
-        ShowHostMessage(QStringLiteral("Unknown error"), this);
-    }
+    });
 }

@@ -1,6 +1,7 @@
 #include "station/serial_rows.h"
 #include "host/host_error.h"
 #include "host/platform.h"
+#include "host/record_keys.h"
 #include <QSet>
 #include <QStringList>
 
@@ -42,14 +43,14 @@ QString insertStatement(const GoodsRecord& row)
 {
     return QStringLiteral(" insert IC_Web2ErpOrderSerial (FID,FEntryID,FSerialNumber,FBatchNo,FStockID,FStockPlace,FSerialID,FKFDate,FKFPeriod) ")
         + QStringLiteral(" values (0,")
-        + sqlNumber(text(row, QStringLiteral("FEntryID")), "FEntryID") + QLatin1Char(',')
-        + sqlText(text(row, QStringLiteral("FSeriNum"))) + QLatin1Char(',')
-        + sqlText(text(row, QStringLiteral("FBatchNo"))) + QLatin1Char(',')
-        + sqlNumber(text(row, QStringLiteral("FStockID")), "FStockID") + QLatin1Char(',')
-        + sqlNumber(text(row, QStringLiteral("FSPID")), "FStockPlace") + QLatin1Char(',')
-        + sqlText(text(row, QStringLiteral("FSerialID"))) + QLatin1Char(',')
-        + sqlText(text(row, QStringLiteral("FKFDate"))) + QLatin1Char(',')
-        + sqlNumber(text(row, QStringLiteral("FKFPeriod")), "FKFPeriod")
+        + sqlNumber(text(row, RecordKeys::FEntryID), "FEntryID") + QLatin1Char(',')
+        + sqlText(text(row, RecordKeys::FSeriNum)) + QLatin1Char(',')
+        + sqlText(text(row, RecordKeys::FBatchNo)) + QLatin1Char(',')
+        + sqlNumber(text(row, RecordKeys::FStockID), "FStockID") + QLatin1Char(',')
+        + sqlNumber(text(row, RecordKeys::FSPID), "FStockPlace") + QLatin1Char(',')
+        + sqlText(text(row, RecordKeys::FSerialID)) + QLatin1Char(',')
+        + sqlText(text(row, RecordKeys::FKFDate)) + QLatin1Char(',')
+        + sqlNumber(text(row, RecordKeys::FKFPeriod), "FKFPeriod")
         + QLatin1Char(')');
 }
 } // namespace
@@ -61,25 +62,25 @@ QList<GoodsRecord> CollectSerialRows(const RecordList& lines)
         return rows;
     for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
         const GoodsRecord line = lines.Item(i);
-        const QString serials = text(line, QStringLiteral("FSeriNum"));
+        const QString serials = text(line, RecordKeys::FSeriNum);
         if (serials.isEmpty())
             continue;
         const QStringList serialList = serials.split(QLatin1Char(','));
-        const QStringList serialIds = text(line, QStringLiteral("FSerialID")).split(QLatin1Char(','));
-        const QStringList periods = text(line, QStringLiteral("FKFPeriod")).split(QLatin1Char(','));
-        const QStringList dates = text(line, QStringLiteral("FKFDate")).split(QLatin1Char(','));
+        const QStringList serialIds = text(line, RecordKeys::FSerialID).split(QLatin1Char(','));
+        const QStringList periods = text(line, RecordKeys::FKFPeriod).split(QLatin1Char(','));
+        const QStringList dates = text(line, RecordKeys::FKFDate).split(QLatin1Char(','));
         for (qsizetype k = 0; k < serialList.size(); ++k) {
             if (serialList.at(k).isEmpty())
                 continue;
             GoodsRecord row;
-            row.SetValue(QStringLiteral("FEntryID"), line.GetValue(QStringLiteral("FEntryID")));
-            row.SetValue(QStringLiteral("FSeriNum"), serialList.at(k));
-            row.SetValue(QStringLiteral("FBatchNo"), line.GetValue(QStringLiteral("FBatchNo")));
-            row.SetValue(QStringLiteral("FStockID"), line.GetValue(QStringLiteral("FStockID")));
-            row.SetValue(QStringLiteral("FSPID"), line.GetValue(QStringLiteral("FSPID")));
-            row.SetValue(QStringLiteral("FSerialID"), element(serialIds, k));
-            row.SetValue(QStringLiteral("FKFDate"), element(dates, k));
-            row.SetValue(QStringLiteral("FKFPeriod"), element(periods, k));
+            row.SetValue(RecordKeys::FEntryID, line.GetValue(RecordKeys::FEntryID));
+            row.SetValue(RecordKeys::FSeriNum, serialList.at(k));
+            row.SetValue(RecordKeys::FBatchNo, line.GetValue(RecordKeys::FBatchNo));
+            row.SetValue(RecordKeys::FStockID, line.GetValue(RecordKeys::FStockID));
+            row.SetValue(RecordKeys::FSPID, line.GetValue(RecordKeys::FSPID));
+            row.SetValue(RecordKeys::FSerialID, element(serialIds, k));
+            row.SetValue(RecordKeys::FKFDate, element(dates, k));
+            row.SetValue(RecordKeys::FKFPeriod, element(periods, k));
             rows.append(row);
         }
     }
@@ -91,7 +92,7 @@ QString BuildSerialRowsSql(const QList<GoodsRecord>& rows)
     QStringList statements;
     QSet<QString> deleted;
     for (const GoodsRecord& row : rows) {
-        const QString entry = sqlNumber(text(row, QStringLiteral("FEntryID")), "FEntryID");
+        const QString entry = sqlNumber(text(row, RecordKeys::FEntryID), "FEntryID");
         // One delete per entry, ahead of its first row: a second delete later in
         // the batch would wipe the rows just inserted.
         if (!deleted.contains(entry)) {

@@ -35,7 +35,7 @@ QCheckBox* onlyErrorsBox(QWidget* logPane)
 
 void frmPickigGoods::openJournal()
 {
-    try {
+    const bool opened = ReportingErrors(this, [&] {
         m_journal = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal);
         const QString props = GetPropsString();
         if (!m_journal->Claim(props)) {
@@ -63,13 +63,10 @@ void frmPickigGoods::openJournal()
             }
         }
         m_journal->Start(props, journalState());
-    } catch (const HostError& e) {
+    });
+    // Without its journal the station still works: the worker was told why.
+    if (!opened)
         m_journal.reset();
-        ReportError(e.number(), e.description(), this);
-    } catch (const std::exception& e) {
-        m_journal.reset();
-        ReportError(0, QString::fromLocal8Bit(e.what()), this);
-    }
 }
 
 bool frmPickigGoods::worthRestoring(const JournalState& saved) const

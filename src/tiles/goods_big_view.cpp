@@ -2,6 +2,7 @@
 #include "host/error_reporter.h"
 #include "host/host_error.h"
 #include "host/platform.h"
+#include "host/record_keys.h"
 #include "tiles/goods_list_model.h"
 #include "tiles/tile_parts.h"
 #include "tiles/tile_pictures.h"
@@ -42,22 +43,6 @@ void setTextColour(QLabel* label, const QColor& colour)
         return;
     pal.setColor(QPalette::WindowText, colour);
     label->setPalette(pal);
-}
-
-// A click reaches the container's handlers from the event loop: whatever
-// they raise ends here, in a message box.
-template <class F>
-void emitGuarded(F&& emitIt)
-{
-    try {
-        emitIt();
-    } catch (const HostError& e) {
-        ReportError(e.number(), e.description());
-    } catch (const std::exception& e) {
-        ReportError(0, QString::fromLocal8Bit(e.what()));
-    } catch (...) {
-        ReportError(0, QStringLiteral("Unknown error"));
-    }
 }
 
 } // namespace
@@ -170,20 +155,20 @@ void GoodsBigView::showGoodsLine(const GoodsRecord& line)
     if (line.isNone())
         return;
     try {
-        if (line.Exists(QStringLiteral("GoodsID")))
-            setGoodsID(line.GetValue(QStringLiteral("GoodsID")).toString());
-        if (line.Exists(QStringLiteral("GoodsName")))
-            setGoodsName(line.GetValue(QStringLiteral("GoodsName")).toString());
-        if (line.Exists(QStringLiteral("GoodsURL")))
-            setGoodsURL(line.GetValue(QStringLiteral("GoodsURL")).toString());
-        if (line.Exists(QStringLiteral("GoodsOrderCnt")))
-            setGoodsOrderCnt(GoodsListModel::toInt32(line.GetValue(QStringLiteral("GoodsOrderCnt"))));
-        if (line.Exists(QStringLiteral("GoodsCheckedCnt")))
-            setGoodsCheckedCnt(GoodsListModel::toInt32(line.GetValue(QStringLiteral("GoodsCheckedCnt"))));
-        if (line.Exists(QStringLiteral("GoodsPicture"))) {
+        if (line.Exists(RecordKeys::GoodsID))
+            setGoodsID(line.GetValue(RecordKeys::GoodsID).toString());
+        if (line.Exists(RecordKeys::GoodsName))
+            setGoodsName(line.GetValue(RecordKeys::GoodsName).toString());
+        if (line.Exists(RecordKeys::GoodsURL))
+            setGoodsURL(line.GetValue(RecordKeys::GoodsURL).toString());
+        if (line.Exists(RecordKeys::GoodsOrderCnt))
+            setGoodsOrderCnt(GoodsListModel::toInt32(line.GetValue(RecordKeys::GoodsOrderCnt)));
+        if (line.Exists(RecordKeys::GoodsCheckedCnt))
+            setGoodsCheckedCnt(GoodsListModel::toInt32(line.GetValue(RecordKeys::GoodsCheckedCnt)));
+        if (line.Exists(RecordKeys::GoodsPicture)) {
             // Another goods' picture must not stay on screen for this one.
             imgMain->showDesignPicture();
-            setGoodsPicture(line.GetValue(QStringLiteral("GoodsPicture")).toString());
+            setGoodsPicture(line.GetValue(RecordKeys::GoodsPicture).toString());
         }
     } catch (...) {
         // A malformed line shows what could be read.
@@ -266,7 +251,7 @@ bool GoodsBigView::eventFilter(QObject* watched, QEvent* event)
         || static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton)
         return QWidget::eventFilter(watched, event);
     if (watched == imgMain) {
-        emitGuarded([this] { emit GoodsImageClick(m_goodsId); });
+        ReportingErrors(nullptr, [this] { emit GoodsImageClick(m_goodsId); });
         return true;
     }
     if (watched == lblGoodsName) {
@@ -275,7 +260,7 @@ bool GoodsBigView::eventFilter(QObject* watched, QEvent* event)
                 QDesktopServices::openUrl(QUrl::fromUserInput(m_goodsUrl));
         } catch (...) {
         }
-        emitGuarded([this] { emit GoodsNameClick(m_goodsId); });
+        ReportingErrors(nullptr, [this] { emit GoodsNameClick(m_goodsId); });
         return true;
     }
     return QWidget::eventFilter(watched, event);

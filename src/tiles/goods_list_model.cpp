@@ -1,4 +1,5 @@
 #include "tiles/goods_list_model.h"
+#include "host/record_keys.h"
 #include "orderdata/line_picking_state.h"
 #include "host/host_error.h"
 #include "host/platform.h"
@@ -9,13 +10,6 @@
 
 namespace {
 
-const QString kGoodsID = QStringLiteral("GoodsID");
-const QString kEntryID = QStringLiteral("FEntryID");
-const QString kGoodsName = QStringLiteral("GoodsName");
-const QString kGoodsURL = QStringLiteral("GoodsURL");
-const QString kOrderCnt = QStringLiteral("GoodsOrderCnt");
-const QString kCheckedCnt = QStringLiteral("GoodsCheckedCnt");
-const QString kPicture = QStringLiteral("GoodsPicture");
 const QString kOkShow = QStringLiteral("OkShow");
 const QString kWarningShow = QStringLiteral("WarningShow");
 const QString kVisible = QStringLiteral("Visible");
@@ -128,22 +122,22 @@ int GoodsListModel::addGoods(const GoodsRecord& record)
     GoodsRecord line = record;
     // Read everything first: a bad value leaves neither a record nor a tile behind.
     GoodsTileState t;
-    t.goodsId = line.GetValue(kGoodsID).toString();
-    t.entryId = line.GetValue(kEntryID).toString();
-    t.name = line.GetValue(kGoodsName).toString();
-    t.url = line.GetValue(kGoodsURL).toString();
-    t.orderCnt = toInt32(line.GetValue(kOrderCnt));
-    t.checkedCnt = toInt32(line.GetValue(kCheckedCnt));
+    t.goodsId = line.GetValue(RecordKeys::GoodsID).toString();
+    t.entryId = line.GetValue(RecordKeys::FEntryID).toString();
+    t.name = line.GetValue(RecordKeys::GoodsName).toString();
+    t.url = line.GetValue(RecordKeys::GoodsURL).toString();
+    t.orderCnt = toInt32(line.GetValue(RecordKeys::GoodsOrderCnt));
+    t.checkedCnt = toInt32(line.GetValue(RecordKeys::GoodsCheckedCnt));
     t.okShow = line.GetValue(kOkShow, false).toBool();
     t.warningShow = line.GetValue(kWarningShow, false).toBool();
     // Only the existence test here; decoding waits until the tile is in view.
-    const QString picture = line.GetValue(kPicture).toString();
+    const QString picture = line.GetValue(RecordKeys::GoodsPicture).toString();
     if (TilePictures::fileExists(picture))
         t.pendingPicture = picture;
 
-    addMissing(line, kCheckedCnt, 0);
-    addMissing(line, kPicture, QString());
-    addMissing(line, kGoodsURL, QString());
+    addMissing(line, RecordKeys::GoodsCheckedCnt, 0);
+    addMissing(line, RecordKeys::GoodsPicture, QString());
+    addMissing(line, RecordKeys::GoodsURL, QString());
     addMissing(line, kOkShow, false);
     addMissing(line, kWarningShow, false);
     addMissing(line, kVisible, true);
@@ -184,11 +178,11 @@ void GoodsListModel::refreshFromRecord(int index)
     if (!hasLine(index))
         return;
     const GoodsRecord line = m_records.Item(index);
-    const qint32 orderCnt = toInt32(line.GetValue(kOrderCnt));
-    const qint32 checkedCnt = toInt32(line.GetValue(kCheckedCnt));
+    const qint32 orderCnt = toInt32(line.GetValue(RecordKeys::GoodsOrderCnt));
+    const qint32 checkedCnt = toInt32(line.GetValue(RecordKeys::GoodsCheckedCnt));
     GoodsTileState& t = m_tiles[size_t(index)];
-    t.name = line.GetValue(kGoodsName).toString();
-    t.url = line.GetValue(kGoodsURL).toString();
+    t.name = line.GetValue(RecordKeys::GoodsName).toString();
+    t.url = line.GetValue(RecordKeys::GoodsURL).toString();
     t.orderCnt = orderCnt;
     t.checkedCnt = checkedCnt;
 }
@@ -208,7 +202,7 @@ void GoodsListModel::setCheckedCnt(int index, qint32 count)
     // The tile first, then the line it shows.
     m_tiles[size_t(index)].checkedCnt = count;
     if (index <= m_records.UpperBound())
-        m_records.Item(index).SetValue(kCheckedCnt, count);
+        m_records.Item(index).SetValue(RecordKeys::GoodsCheckedCnt, count);
 }
 
 void GoodsListModel::setOkShow(int index, bool show)
@@ -323,7 +317,7 @@ void GoodsListModel::SetCheckCntNew(const GoodsRecord& lineStates)
 bool GoodsListModel::GoodsIDExists(const QString& goodsId) const
 {
     for (int i = m_records.LowerBound(); i <= m_records.UpperBound(); ++i) {
-        if (m_records.Item(i).GetValue(kGoodsID).toString() == goodsId)
+        if (m_records.Item(i).GetValue(RecordKeys::GoodsID).toString() == goodsId)
             return true;
     }
     return false;
@@ -335,7 +329,7 @@ qint32 GoodsListModel::GetGoodsIndex(const QString& goodsId) const
         return -2;
     // Compared as given, untrimmed.
     for (int i = m_records.LowerBound(); i <= m_records.UpperBound(); ++i) {
-        if (m_records.Item(i).GetValue(kGoodsID).toString() == goodsId)
+        if (m_records.Item(i).GetValue(RecordKeys::GoodsID).toString() == goodsId)
             return i;
     }
     return -1;
@@ -347,7 +341,7 @@ qint32 GoodsListModel::GetGoodsIndexNew(const QString& goodsId, qint32 entryId) 
         return -2;
     for (int i = m_records.LowerBound(); i <= m_records.UpperBound(); ++i) {
         const GoodsRecord line = m_records.Item(i);
-        if (line.GetValue(kGoodsID).toString() == goodsId && sameNumber(line.GetValue(kEntryID), entryId))
+        if (line.GetValue(RecordKeys::GoodsID).toString() == goodsId && sameNumber(line.GetValue(RecordKeys::FEntryID), entryId))
             return i;
     }
     return -1;
@@ -357,7 +351,7 @@ int GoodsListModel::findLine(qint32 goodsId, qint32 entryId) const
 {
     for (int i = m_records.LowerBound(); i <= m_records.UpperBound(); ++i) {
         const GoodsRecord line = m_records.Item(i);
-        if (sameNumber(line.GetValue(kGoodsID), goodsId) && sameNumber(line.GetValue(kEntryID), entryId))
+        if (sameNumber(line.GetValue(RecordKeys::GoodsID), goodsId) && sameNumber(line.GetValue(RecordKeys::FEntryID), entryId))
             return i;
     }
     return -1;
@@ -368,7 +362,7 @@ bool GoodsListModel::lineMatches(int index, qint32 goodsId, qint32 entryId) cons
     if (index < 0 || index > m_records.UpperBound())
         return false;
     const GoodsRecord line = m_records.Item(index);
-    return sameNumber(line.GetValue(kGoodsID), goodsId) && sameNumber(line.GetValue(kEntryID), entryId);
+    return sameNumber(line.GetValue(RecordKeys::GoodsID), goodsId) && sameNumber(line.GetValue(RecordKeys::FEntryID), entryId);
 }
 
 // ---------------------------------------------------------------------------

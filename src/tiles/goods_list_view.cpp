@@ -3,6 +3,7 @@
 #include "host/host_error.h"
 #include "host/object_factory.h"
 #include "host/platform.h"
+#include "host/record_keys.h"
 #include "orderdata/goods_pictures.h"
 #include "orderdata/order_goods.h"
 #include "session/host_session.h"
@@ -25,22 +26,6 @@ QRect toPixels(const QRect& twips)
     const int top = TwipsToPixels(twips.y());
     return QRect(left, top, TwipsToPixels(twips.x() + twips.width()) - left,
                  TwipsToPixels(twips.y() + twips.height()) - top);
-}
-
-// Loaders and click handlers end here: the description goes to the worker's
-// message box and the list keeps what it had reached.
-template <class F>
-void reportingErrors(QWidget* parent, F&& body)
-{
-    try {
-        body();
-    } catch (const HostError& e) {
-        ReportError(e.number(), e.description(), parent);
-    } catch (const std::exception& e) {
-        ReportError(0, QString::fromLocal8Bit(e.what()), parent);
-    } catch (...) {
-        ReportError(0, QStringLiteral("Unknown error"), parent);
-    }
 }
 
 } // namespace
@@ -87,7 +72,7 @@ GoodsListView::~GoodsListView() = default;
 
 void GoodsListView::LoadPickingGoods()
 {
-    reportingErrors(this, [this] {
+    ReportingErrors(this, [this] {
         const RecordList set = GetGoodsLineSet();
         if (set.isNone() || set.UpperBound() < set.LowerBound())
             return;
@@ -127,7 +112,7 @@ void GoodsListView::loadWebOrder(const GoodsRecord& set, bool perEntry)
 {
     if (set.isNone() || !set.Exists(QStringLiteral("PorpsString")) || !set.Exists(QStringLiteral("KeyCode")))
         return;
-    reportingErrors(this, [&] {
+    ReportingErrors(this, [&] {
         ClearGoods();
         try {
             const QString props = set.GetValue(QStringLiteral("PorpsString")).toString();
@@ -138,18 +123,18 @@ void GoodsListView::loadWebOrder(const GoodsRecord& set, bool perEntry)
             RecordsetPtr rs = data->ExecuteSQL(props, sql);
             while (rs && !rs->isEOF()) {
                 GoodsRecord line;
-                const QVariant itemId = rs->Fields(QStringLiteral("FItemID"));
-                line.SetValue(QStringLiteral("GoodsID"), itemId);
+                const QVariant itemId = rs->Fields(RecordKeys::FItemID);
+                line.SetValue(RecordKeys::GoodsID, itemId);
                 if (perEntry)
-                    line.SetValue(QStringLiteral("FEntryID"), rs->Fields(QStringLiteral("FEntryID")));
-                line.SetValue(QStringLiteral("GoodsName"), rs->Fields(QStringLiteral("FItemName")));
-                line.SetValue(QStringLiteral("GoodsOrderCnt"), rs->Fields(QStringLiteral("FQuantity")));
-                line.SetValue(QStringLiteral("GoodsCheckedCnt"), 0);
-                const QVariant picId = rs->Fields(QStringLiteral("FPicID"));
+                    line.SetValue(RecordKeys::FEntryID, rs->Fields(RecordKeys::FEntryID));
+                line.SetValue(RecordKeys::GoodsName, rs->Fields(RecordKeys::FItemName));
+                line.SetValue(RecordKeys::GoodsOrderCnt, rs->Fields(RecordKeys::FQuantity));
+                line.SetValue(RecordKeys::GoodsCheckedCnt, 0);
+                const QVariant picId = rs->Fields(RecordKeys::FPicID);
                 if (!picId.isNull() && IsNumeric(picId.toString())) {
                     const QString item = itemId.toString();
                     if (WriteGoodsPicture(props, GoodsListModel::toInt32(picId), item))
-                        line.SetValue(QStringLiteral("GoodsPicture"), PictureTempFolder() + QStringLiteral("Tmp_") + item);
+                        line.SetValue(RecordKeys::GoodsPicture, PictureTempFolder() + QStringLiteral("Tmp_") + item);
                 }
                 addLine(line);
                 rs->MoveNext();
@@ -188,7 +173,7 @@ void GoodsListView::finishLoading()
     // The first line is the station's current goods until the first scan.
     if (m_model.count() > 0) {
         const GoodsRecord first = m_model.record(0);
-        SetCurrentGoodsID(QString::number(GoodsListModel::toInt32(first.GetValue(QStringLiteral("GoodsID")))));
+        SetCurrentGoodsID(QString::number(GoodsListModel::toInt32(first.GetValue(RecordKeys::GoodsID))));
         selectIndex(0);
     } else {
         syncScrollRange();
@@ -251,7 +236,7 @@ void GoodsListView::Refresh()
 
 void GoodsListView::RefreshGoods()
 {
-    reportingErrors(this, [this] {
+    ReportingErrors(this, [this] {
         for (int i = 0; i < m_model.count(); ++i)
             m_model.refreshFromRecord(i);
         m_model.placeTiles();
@@ -261,7 +246,7 @@ void GoodsListView::RefreshGoods()
 
 void GoodsListView::RefreshGoodsNew(qint32 goodsId, qint32 entryId)
 {
-    reportingErrors(this, [&] {
+    ReportingErrors(this, [&] {
         const int index = m_model.findLine(goodsId, entryId);
         if (index < 0)
             return;
@@ -340,7 +325,7 @@ qint32 GoodsListView::GetGoodsIndexByBarCode(const QString& orderKey, const QStr
     QString itemId;
     while (rs && !rs->isEOF()) {
         // The last row read wins.
-        itemId = rs->Fields(QStringLiteral("FItemID")).toString();
+        itemId = rs->Fields(RecordKeys::FItemID).toString();
         rs->MoveNext();
     }
     return m_model.GetGoodsIndex(itemId);
@@ -359,7 +344,7 @@ void GoodsListView::selectIndex(int index)
     if (index < 0 || !m_model.hasLine(index))
         return;
     const GoodsRecord line = m_model.record(index);
-    m_model.setSelectedGoodsID(line.GetValue(QStringLiteral("GoodsID")).toString());
+    m_model.setSelectedGoodsID(line.GetValue(RecordKeys::GoodsID).toString());
     m_model.arrange(index);
     setScrollTop(0, false);
     bringIntoView(index);
@@ -383,7 +368,7 @@ void GoodsListView::SelectedGoodsSerilNumNew(qint32 goodsId, qint32 entryId)
         return;
     }
     const GoodsRecord line = m_model.record(remembered);
-    m_model.setSelectedGoodsID(line.GetValue(QStringLiteral("GoodsID")).toString());
+    m_model.setSelectedGoodsID(line.GetValue(RecordKeys::GoodsID).toString());
     setScrollTop(0, false);
     m_model.arrange(remembered);
     bringIntoView(remembered);
@@ -402,12 +387,12 @@ qint32 GoodsListView::SelectedGoodsNew(qint32 goodsId, qint32 entryId)
 
 void GoodsListView::onTileClicked(const QString& goodsId)
 {
-    reportingErrors(this, [&] {
+    ReportingErrors(this, [&] {
         const int index = m_model.GetGoodsIndex(goodsId);
         if (index < 0)
             return;
         const GoodsRecord line = m_model.record(index);
-        const QVariant id = line.GetValue(QStringLiteral("GoodsID"));
+        const QVariant id = line.GetValue(RecordKeys::GoodsID);
         m_model.setSelectedGoodsID(id.toString());
         SetCurrentGoodsID(QString::number(GoodsListModel::toInt32(id)));
         // Selection only: the tiles stay where they are.

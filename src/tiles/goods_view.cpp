@@ -34,22 +34,6 @@ bool isLeftClick(QEvent* event)
     return mouse->button() == Qt::LeftButton;
 }
 
-// A click reaches the container's handlers from the event loop: whatever
-// they raise ends here, in a message box.
-template <class F>
-void emitGuarded(F&& emitIt)
-{
-    try {
-        emitIt();
-    } catch (const HostError& e) {
-        ReportError(e.number(), e.description());
-    } catch (const std::exception& e) {
-        ReportError(0, QString::fromLocal8Bit(e.what()));
-    } catch (...) {
-        ReportError(0, QStringLiteral("Unknown error"));
-    }
-}
-
 } // namespace
 
 QRect GoodsView::picBackGeometryFor(bool selected)
@@ -272,7 +256,7 @@ bool GoodsView::eventFilter(QObject* watched, QEvent* event)
     if (!isLeftClick(event))
         return QWidget::eventFilter(watched, event);
     if (watched == imgMain) {
-        emitGuarded([this] { emit GoodsImageClick(m_goodsId); });
+        ReportingErrors(nullptr, [this] { emit GoodsImageClick(m_goodsId); });
         return true;
     }
     if (watched == lblGoodsName) {
@@ -282,7 +266,7 @@ bool GoodsView::eventFilter(QObject* watched, QEvent* event)
         } catch (...) {
             // The shell failing to open the page is no reason to stop.
         }
-        emitGuarded([this] { emit GoodsNameClick(m_goodsId); });
+        ReportingErrors(nullptr, [this] { emit GoodsNameClick(m_goodsId); });
         return true;
     }
     return QWidget::eventFilter(watched, event);
