@@ -95,7 +95,7 @@ bool inCset82(QChar c)
     return punctuation.contains(c);
 }
 
-// The spec of the AI at the start of text, and the AI's length; nullptr when
+// The table entry of the AI at the start of text, and the AI's length; nullptr when
 // no AI of the table starts there.
 const AiSpec* aiAt(QStringView text, QString* ai)
 {

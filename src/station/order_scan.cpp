@@ -26,16 +26,6 @@ namespace {
 
 const QString NotFoundMessage = QStringLiteral("找不到物流单号/唯一码/商品条码/序列号");
 
-qint64 numberOf(const GoodsRecord& record, const QString& key)
-{
-    const QVariant value = record.GetValue(key, 0);
-    if (value.isNull())
-        return 0;
-    bool ok = false;
-    const double number = value.toString().trimmed().toDouble(&ok);
-    return ok ? qint64(number) : 0;
-}
-
 // Verdict words, translated one by one so the composition itself stays in
 // the station's own language.
 QString translatedVerdict(const QString& text)
@@ -63,7 +53,7 @@ void frmPickigGoods::TxtID_Enter()
         m_state.setLastOrderCode(code);
 
         if (const std::optional<GoodsRecord> header = OrderHeaderQuery(code)) {
-            if (numberOf(*header, QStringLiteral("FIsLock")) != 0) {
+            if (RecordNumber(*header, QStringLiteral("FIsLock")) != 0) {
                 SetMessage(QStringLiteral("此单已冻结，请解冻后再操作！"));
                 RefuseOrder();
                 return;
@@ -74,13 +64,13 @@ void frmPickigGoods::TxtID_Enter()
             arguments.SetValue(QStringLiteral("FID"), header->GetValue(QStringLiteral("FID")));
             auto data = CreateServerObjectAs<IGetData>(ProgIds::GetData);
             const std::optional<GoodsRecord> refund = data->CheckReturnBills(arguments);
-            if (refund && numberOf(*refund, QStringLiteral("FStatus")) == 1) {
+            if (refund && RecordNumber(*refund, QStringLiteral("FStatus")) == 1) {
                 PlayVoice(QStringLiteral("\\voice\\refunds.wav"));
                 SetMessage(QStringLiteral("此单交易状态为申请退款"));
                 RefuseOrder();
                 return;
             }
-            if (numberOf(*header, QStringLiteral("FPIckingGoodsStatus")) != 0) {
+            if (RecordNumber(*header, QStringLiteral("FPIckingGoodsStatus")) != 0) {
                 PlayVoice(QStringLiteral("\\voice\\repeatCheck.wav"));
                 SetMessage(QStringLiteral("此单已校验通过"));
                 RefuseOrder();

@@ -3,9 +3,7 @@
 
 const QString PickingState::NoOrderMark = QStringLiteral("+");
 
-namespace {
-
-qint64 numberOf(const GoodsRecord& record, const QString& key)
+qint64 RecordNumber(const GoodsRecord& record, const QString& key)
 {
     const QVariant value = record.GetValue(key, 0);
     if (value.isNull())
@@ -14,8 +12,6 @@ qint64 numberOf(const GoodsRecord& record, const QString& key)
     const double number = value.toString().trimmed().toDouble(&ok);
     return ok ? qint64(number) : 0;
 }
-
-} // namespace
 
 PickingState::PickingState() = default;
 
@@ -126,9 +122,9 @@ void PickingState::markRestored()
 
 void PickingState::restoreCounters(const GoodsRecord& entry)
 {
-    m_excessNum = qint32(numberOf(entry, QStringLiteral("ExcessNum")));
-    m_errorNum = qint32(numberOf(entry, QStringLiteral("ErrorNum")));
-    m_missingNum = qint32(numberOf(entry, QStringLiteral("MissingNum")));
+    m_excessNum = qint32(RecordNumber(entry, QStringLiteral("ExcessNum")));
+    m_errorNum = qint32(RecordNumber(entry, QStringLiteral("ErrorNum")));
+    m_missingNum = qint32(RecordNumber(entry, QStringLiteral("MissingNum")));
 }
 
 qint32 PickingState::pickedOnLines(const RecordList& lines)
@@ -136,7 +132,7 @@ qint32 PickingState::pickedOnLines(const RecordList& lines)
     qint32 picked = 0;
     for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
         const GoodsRecord line = lines.Item(i);
-        picked += qint32(qMin(numberOf(line, RecordKeys::GoodsCheckedCnt), numberOf(line, RecordKeys::GoodsOrderCnt)));
+        picked += qint32(qMin(RecordNumber(line, RecordKeys::GoodsCheckedCnt), RecordNumber(line, RecordKeys::GoodsOrderCnt)));
     }
     return picked;
 }

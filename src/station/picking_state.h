@@ -8,6 +8,10 @@
 #include "station/verdict.h"
 #include <QString>
 
+// A record's value as a whole number: 0 when it is missing, NULL or no number
+// (a header's flags and a log entry's counters read so).
+qint64 RecordNumber(const GoodsRecord& record, const QString& key);
+
 class PickingState {
 public:
     // The order code of no order: a refused scan loads it, so the views empty.
