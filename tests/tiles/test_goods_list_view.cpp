@@ -5,6 +5,7 @@
 #include "tiles/goods_big_view.h"
 #include "tiles/goods_list_view.h"
 #include "tiles/goods_view.h"
+#include "support/expected_statements.h"
 #include "tiles_fixture.h"
 #include <QDir>
 #include <QElapsedTimer>
@@ -266,14 +267,7 @@ TEST(GoodsListViewQueries, WebOrderStatementAndRows)
     set.Add("KeyCode", QStringLiteral("880012"));
     list.LoadWebOrderGoods(set);
     ASSERT_EQ(env.getData->statements.size(), 1);
-    const QString expected = QStringLiteral("Select t1.FItemID,t3.FName as FItemName,sum(t1.FQuantity) as FQuantity,t4.FID as FPicID  ")
-        + QStringLiteral(" from IC_Web2ERPOrdersEntry t1 ")
-        + QStringLiteral(" INNER Join IC_Web2ERPOrders t2 on t1.FID=t2.FID AND t2.FOrderStatus = 6 ")
-        + QStringLiteral(" LEFT Join t_ICItem t3 on t1.FItemID =t3.FItemID ")
-        + QStringLiteral(" LEFT Join t_Accessory t4 on t1.FItemID=t4.FItemID ")
-        + QStringLiteral(" Where t2.FUniqueCode ='880012' OR t2.FLogisticsOrder ='880012'")
-        + QStringLiteral("\r\ngroup by t2.FOrderStatus, t3.FBarcode , t2.FLogisticsOrder,t2.FLogisticsComp, t1.FItemID,t3.FName ,t4.FID  ");
-    EXPECT_EQ(env.getData->statements[0], expected);
+    EXPECT_EQ(env.getData->statements[0], ExpectedSql::tileGoods(QStringLiteral("880012"), true));
     EXPECT_EQ(env.getData->props[0], QStringLiteral("Props=1"));
 
     ASSERT_EQ(list.model().count(), 3);
