@@ -319,7 +319,7 @@ TEST_F(GoodsTextViewTest, ClicksOnCellsSelectAndHeaderClicksDoNot)
     EXPECT_EQ(selected.lines[1].GetValue("FEntryID").toInt(), 7);
     view.fpGoodsClick(0, 99);   // beyond the rows
     EXPECT_EQ(selected.lines.size(), 2);
-    EXPECT_TRUE(boxes->texts.isEmpty());
+    EXPECT_TRUE(boxes->texts().isEmpty());
 }
 
 TEST_F(GoodsTextViewTest, ResizeToNothingKeepsTheGridAndErrorsGoToTheReporter)
@@ -336,7 +336,7 @@ TEST_F(GoodsTextViewTest, ResizeToNothingKeepsTheGridAndErrorsGoToTheReporter)
 
     set.Add(GoodsRecord::none());   // a line that is nothing
     EXPECT_NO_THROW(view.LoadPickingGoods());
-    EXPECT_EQ(boxes->texts.size(), 1);
+    EXPECT_EQ(boxes->texts().size(), 1);
 }
 
 TEST_F(GoodsTextViewTest, LoadsTwoThousandLinesQuickly)

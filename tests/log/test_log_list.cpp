@@ -3,6 +3,7 @@
 #include "host/platform.h"
 #include "host/server_objects.h"
 #include "session/language.h"
+#include "support/host_doubles.h"
 #include <QCheckBox>
 #include <QDir>
 #include <QElapsedTimer>
@@ -14,21 +15,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-class RecordingMessageBox : public IMessageBox {
-public:
-    QStringList texts;
-    int Show(QWidget*, const QString& text, int, const QString&) override
-    {
-        texts << text;
-        return MsgBox::Ok;
-    }
-};
-
-class Chinese : public ILangInfo {
-public:
-    QString CurrentLanguage() override { return QStringLiteral("chs"); }
-};
 
 GoodsRecord entry(const QString& text, bool success)
 {
@@ -60,9 +46,8 @@ class LogListTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        boxes = std::make_shared<RecordingMessageBox>();
-        RegisterServerObject(ProgIds::MessageBox, [b = boxes] { return b; });
-        RegisterServerObject(ProgIds::LangInfo, [] { return std::make_shared<Chinese>(); });
+        boxes = recordMessageBoxes();
+        useLanguage(QStringLiteral("chs"));
         ResetLanguageCache();
         pane = std::make_unique<LogList>();
         // Seven rows and the tool row.
@@ -84,7 +69,7 @@ protected:
     }
     QToolButton* button(const char* name) { return pane->findChild<QToolButton*>(name); }
 
-    std::shared_ptr<RecordingMessageBox> boxes;
+    std::shared_ptr<HostRecorder> boxes;
     std::unique_ptr<LogList> pane;
     int dialogs = 0;
     QString seenFilter, seenName, chosen;
@@ -104,7 +89,7 @@ TEST_F(LogListTest, LoadShowsNewestFirstFromTwoEntriesOn)
     EXPECT_EQ(pane->allRowTexts(), (QStringList{"SF1002异常, 缺少1件", "SF1001通过"}));
     EXPECT_EQ(pane->visibleRowTexts(), pane->allRowTexts());
     EXPECT_EQ(pane->rowTop(1), LogListModel::RowHeightTwips);
-    EXPECT_TRUE(boxes->texts.isEmpty());
+    EXPECT_TRUE(boxes->texts().isEmpty());
 
     // Only-errors: entries that passed are skipped; each click asks the form.
     int asked = 0;
@@ -210,7 +195,7 @@ TEST_F(LogListTest, SaveWritesTheExactBytesOrNothing)
 
     chosen = dir.filePath("no/such/folder/log.txt");
     QTest::mouseClick(button("ImgSave"), Qt::LeftButton);
-    EXPECT_EQ(boxes->texts.size(), 1);
+    EXPECT_EQ(boxes->texts().size(), 1);
 }
 
 TEST_F(LogListTest, ErrorsWhileLoadingAreReportedOnce)
@@ -222,7 +207,7 @@ TEST_F(LogListTest, ErrorsWhileLoadingAreReportedOnce)
     list.Insert(1, noFlag);
     EXPECT_NO_THROW(pane->LoadLogList(list));
     EXPECT_EQ(pane->allRowTexts(), (QStringList{"B异常", "A异常"}));
-    EXPECT_EQ(boxes->texts.size(), 1);
+    EXPECT_EQ(boxes->texts().size(), 1);
 }
 
 TEST_F(LogListTest, ScreenshotOfPassedAndFailedEntries)

@@ -6,7 +6,9 @@
 #include "host/object_factory.h"
 #include "host/platform.h"
 #include "sql/sql_engine.h"
+#include "support/demo_database_fixture.h"
 #include "support/expected_statements.h"
+#include "support/qt_print.h"
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
@@ -14,12 +16,6 @@
 #include <gtest/gtest.h>
 #include <ostream>
 #include <iostream>
-
-// Readable failure messages for Qt texts.
-static void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << '"' << text.toStdString() << '"';
-}
 
 namespace {
 
@@ -86,28 +82,8 @@ QStringList table(const RecordsetPtr& rs, const QStringList& columns, bool sorte
     return rows;
 }
 
-const QString& pristineDemo()
-{
-    static QTemporaryDir dir;
-    static const QString file = [] {
-        const QString f = dir.filePath("pristine.db");
-        CreateDemoDatabase(f);
-        return f;
-    }();
-    return file;
-}
-
-class StatementProof : public ::testing::Test {
+class StatementProof : public DemoDatabaseTest {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(m_dir.isValid());
-        m_file = m_dir.filePath("demo.db");
-        ASSERT_TRUE(QFile::copy(pristineDemo(), m_file));
-        m_props = DemoPropsString(m_file);
-    }
-    void TearDown() override { SqlEngine::closeAll(); }
-
     RecordsetPtr run(const QString& sql)
     {
         return CreateServerObjectAs<IGetData>(ProgIds::GetData)->ExecuteSQL(m_props, sql);
@@ -119,10 +95,6 @@ protected:
             sum += rs->Fields("FQuantity").toDouble();
         return sum;
     }
-
-    QTemporaryDir m_dir;
-    QString m_file;
-    QString m_props;
 };
 
 const QStringList kGoodsColumns = {"FEntryID", "FBatchNo", "FSPID", "FStockID", "FItemID", "FModel", "FItemName",

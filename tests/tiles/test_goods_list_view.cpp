@@ -317,8 +317,8 @@ TEST(GoodsListViewQueries, LoadErrorsKeepTheRowsBefore)
     set.Add("KeyCode", "SF1");
     list.LoadWebOrderGoods(set);
     EXPECT_EQ(list.model().count(), 2);
-    ASSERT_EQ(env.boxes->texts.size(), 1);
-    EXPECT_EQ(env.boxes->texts[0], QStringLiteral("Type mismatch"));
+    ASSERT_EQ(env.boxes->texts().size(), 1);
+    EXPECT_EQ(env.boxes->texts()[0], QStringLiteral("Type mismatch"));
     EXPECT_NE(list.tileWidget(1), nullptr);
 }
 

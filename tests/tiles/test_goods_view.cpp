@@ -335,7 +335,7 @@ TEST(GoodsBigViewTile, Clicks)
         throw HostError(HostErrors::Database, QStringLiteral("handler failed"));
     });
     QTest::mouseClick(big.findChild<QWidget*>("imgMain"), Qt::LeftButton);
-    EXPECT_EQ(env.boxes->texts, QStringList({"handler failed"}));
+    EXPECT_EQ(env.boxes->texts(), QStringList({"handler failed"}));
     QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
 }
 
