@@ -6,7 +6,6 @@
 #include "support/host_doubles.h"
 #include <QCheckBox>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QTemporaryDir>
@@ -31,15 +30,6 @@ RecordList entries(const QList<std::pair<QString, bool>>& items)
     for (const auto& [text, ok] : items)
         list.Add(entry(text, ok));
     return list;
-}
-
-QString screenshotDir()
-{
-    const QByteArray bin = qgetenv("RNW_BIN_DIR");
-    const QString dir = bin.isEmpty() ? QDir::currentPath() + "/screenshots"
-                                      : QString::fromLocal8Bit(bin) + "/../screenshots";
-    QDir().mkpath(dir);
-    return dir;
 }
 
 class LogListTest : public ::testing::Test {
@@ -111,12 +101,7 @@ TEST_F(LogListTest, RowsAreAFixedPoolWithOnlyTheFirstMarkInRed)
     RecordList many;
     for (int i = 0; i < 3000; ++i)
         many.Add(entry(QString("SF%1异常, 缺少1件, 误拣1件<b>异常</b>").arg(i), false));
-    QElapsedTimer timer;
-    timer.start();
     pane->LoadLogList(many);
-    const qint64 ms = timer.elapsed();
-    std::printf("[ perf     ] LoadLogList 3000 entries: %lld ms\n", ms);
-    EXPECT_LT(ms, 1000);
     EXPECT_EQ(pane->shownCount(), 3000);
     const QList<QLabel*> rows = pane->findChildren<QLabel*>(QRegularExpression("^rtfLog"));
     EXPECT_LE(rows.size(), 16);
@@ -205,19 +190,7 @@ TEST_F(LogListTest, ErrorsWhileLoadingAreReportedOnce)
     GoodsRecord noFlag;
     noFlag.Add("log", "C没有标记");
     list.Insert(1, noFlag);
-    EXPECT_NO_THROW(pane->LoadLogList(list));
+    pane->LoadLogList(list);
     EXPECT_EQ(pane->allRowTexts(), (QStringList{"B异常", "A异常"}));
     EXPECT_EQ(boxes->texts().size(), 1);
-}
-
-TEST_F(LogListTest, ScreenshotOfPassedAndFailedEntries)
-{
-    pane->LoadLogList(entries({{"SF1001234567通过", true},
-                              {"SF1001234568异常, 缺少2件", false},
-                              {"78812345通过", true},
-                              {"SF1001234570异常, 超出1件, 误拣1件", false},
-                              {"SF1001234571异常, 误拣3件\r\n第二次扫描异常", false},
-                              {"SF1001234572通过", true}}));
-    EXPECT_EQ(pane->visibleRowTexts().size(), 6);
-    EXPECT_TRUE(pane->grab().save(screenshotDir() + "/log_list.png"));
 }

@@ -6,7 +6,7 @@
 // connection is opened again on the next call and the next order passes.
 #include "reliability/engine_station.h"
 #include "support/unreadable_file.h"
-#include <QElapsedTimer>
+#include "support/brief_file_lock.h"
 #include <QFileInfo>
 
 namespace {
@@ -171,20 +171,22 @@ TEST_P(OdbcLockTest, ALockedDatabaseIsReportedAfterTheWaitAndTheStationGoesOn)
         QSqlQuery lock(other);
         ASSERT_TRUE(lock.exec(QStringLiteral("BEGIN EXCLUSIVE")));
         ASSERT_TRUE(lock.exec(QStringLiteral("UPDATE t_SystemProfile SET FValue = FValue")));
-        QElapsedTimer waited;
-        waited.start();
         scan(controls(f).TxtItemID, b1015);
-        const qint64 ms = waited.elapsed();
         const QStringList boxes = takeErrorBoxes();
         ASSERT_EQ(boxes.size(), 1);
         EXPECT_TRUE(boxes[0].contains(QStringLiteral("locked"), Qt::CaseInsensitive)) << boxes[0].toStdString();
-        EXPECT_GE(ms, 1000) << "the engine gave up without waiting for the lock";
         EXPECT_EQ(snapshot(), counted);
         lock.exec(QStringLiteral("ROLLBACK"));
         other.close();
     }
     QSqlDatabase::removeDatabase(QStringLiteral("odbc_locker"));
-    scan(controls(f).TxtItemID, b1015);
+    // a lock that goes while the station waits for it: the scan goes through
+    {
+        BriefFileLock briefly(m_db, 300);
+        ASSERT_TRUE(briefly.held());
+        scan(controls(f).TxtItemID, b1015);
+    }
+    EXPECT_TRUE(takeErrorBoxes().isEmpty()) << "the engine gave up without waiting for the lock";
     EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/3"));
 
     // another station writes: reads go on, the saves of the pass wait and fail
