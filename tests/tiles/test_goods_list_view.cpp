@@ -6,7 +6,6 @@
 #include "tiles/goods_view.h"
 #include "support/expected_statements.h"
 #include "tiles_fixture.h"
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QTest>
