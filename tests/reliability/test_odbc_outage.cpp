@@ -45,6 +45,7 @@ protected:
             EXPECT_EQ(box.title, QStringLiteral("Velto提示"));
             EXPECT_EQ(box.flags & 7, MsgBox::OkOnly);
             EXPECT_FALSE(box.text.contains(kSecret)) << box.text.toStdString();
+            EXPECT_FALSE(box.text.trimmed().isEmpty());
             texts << box.text;
         }
         m_rec->boxes.clear();
@@ -147,13 +148,12 @@ TEST_P(OdbcOutageTest, ASerialBatchRefusedHalfwayLeavesTheRowsOfTheFirstPass)
     EXPECT_EQ(storedSerials(), QStringLiteral("53:W1-0001 53:W1-0003 54:PAD-0002"));
 }
 
-// The embedded engine's lock waits are covered by DatabaseOutageTest.
-class OdbcLockTest : public OdbcOutageTest {};
+class LockTest : public OdbcOutageTest {};
 
-INSTANTIATE_TEST_SUITE_P(Odbc, OdbcLockTest, ::testing::Values(StationEngine::SqliteOdbc),
+INSTANTIATE_TEST_SUITE_P(Engines, LockTest, ::testing::Values(StationEngine::Embedded, StationEngine::SqliteOdbc),
                          [](const ::testing::TestParamInfo<StationEngine>& info) { return engineName(info.param); });
 
-TEST_P(OdbcLockTest, ALockedDatabaseIsReportedAfterTheWaitAndTheStationGoesOn)
+TEST_P(LockTest, ALockedDatabaseIsReportedAfterTheWaitAndTheStationGoesOn)
 {
     publishWithPassword();
     frmPickigGoods& f = open();
