@@ -9,7 +9,7 @@ FUZZERS := props_fuzzer find_prop_fuzzer tsql_bridge_fuzzer message_fuzzer verdi
 FUZZ_SECONDS ?= 10
 FUZZ_LONG_SECONDS ?= 600
 
-.PHONY: all deps build run test bench fuzz fuzz-build fuzz-long clean
+.PHONY: all deps build run test bench soak screens fuzz fuzz-build fuzz-long clean
 
 all: build
 
@@ -34,6 +34,20 @@ bench: deps
 	cmake -S . -B $(RELEASE_DIR) -DCMAKE_BUILD_TYPE=Release -DRNW_TESTS=OFF >/dev/null
 	cmake --build $(RELEASE_DIR) -j $(JOBS) --target rnw_bench
 	QT_QPA_PLATFORM=offscreen $(RELEASE_DIR)/bin/rnw_bench $(BENCH_ARGS)
+
+# Ten thousand scans in one session (Release): memory and file handles
+# before and after. RNW_RELIABILITY_SCANS sets the count.
+SOAK_DIR := build/soak
+soak: deps
+	cmake -S . -B $(SOAK_DIR) -DCMAKE_BUILD_TYPE=Release -DRNW_TESTS=ON >/dev/null
+	cmake --build $(SOAK_DIR) -j $(JOBS) --target rnw_soak
+	QT_QPA_PLATFORM=offscreen $(SOAK_DIR)/bin/rnw_soak
+
+# Pictures of the station for a look by eye, in $(TEST_DIR)/screenshots/.
+screens: deps
+	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DRNW_SANITIZE=ON -DRNW_TESTS=ON -DRNW_WERROR=ON >/dev/null
+	cmake --build $(TEST_DIR) -j $(JOBS) --target rnw_screens
+	cd $(TEST_DIR) && QT_QPA_PLATFORM=offscreen LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp ./bin/rnw_screens
 
 fuzz-build: deps
 	cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ -DRNW_FUZZ=ON -DRNW_TESTS=OFF >/dev/null

@@ -3,7 +3,6 @@
 #include "host/host_error.h"
 #include "sql/database_check.h"
 #include "sql/text_collation.h"
-#include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
 #include <QProcess>
@@ -194,10 +193,7 @@ TEST(DemoDatabase, BenchmarkOrderHasTheRequestedLines)
 {
     QTemporaryDir dir;
     const QString file = dir.filePath("bench.db");
-    QElapsedTimer timer;
-    timer.start();
     CreateDemoDatabase(file, 300);
-    const qint64 ms = timer.elapsed();
     Db db(file);
 
     EXPECT_EQ(BenchUniqueCode(300), "99000300");
@@ -214,7 +210,6 @@ TEST(DemoDatabase, BenchmarkOrderHasTheRequestedLines)
     EXPECT_EQ(quantities[0][1].toInt(), 3);
     // the demo orders are all still there
     EXPECT_EQ(db.count("IC_Web2ERPOrders"), 31);
-    EXPECT_LT(ms, 20000) << "generating 300 lines took " << ms << " ms";
 }
 
 TEST(DemoDatabase, CompanySettingsFlipAndMissingFilesStayMissing)

@@ -8,6 +8,7 @@
 #include "orderdata/order_goods.h"
 #include "session/host_session.h"
 #include "session/language.h"
+#include "support/host_doubles.h"
 #include <QStringList>
 #include <gtest/gtest.h>
 #include <memory>
@@ -41,34 +42,14 @@ public:
     std::optional<GoodsRecord> CheckReturnBills(const GoodsRecord&) override { return std::nullopt; }
 };
 
-class RecordingMessageBox : public IMessageBox {
-public:
-    QStringList texts;
-    int Show(QWidget*, const QString& text, int, const QString&) override
-    {
-        texts << text;
-        return MsgBox::Ok;
-    }
-};
-
-class FixedLanguage : public ILangInfo {
-public:
-    explicit FixedLanguage(QString code) : m_code(std::move(code)) {}
-    QString CurrentLanguage() override { return m_code; }
-
-private:
-    QString m_code;
-};
-
 class OrderFixture : public ::testing::Test {
 protected:
     void SetUp() override
     {
         getData = std::make_shared<RowsGetData>();
-        boxes = std::make_shared<RecordingMessageBox>();
         RegisterServerObject(ProgIds::GetData, [d = getData] { return d; });
-        RegisterServerObject(ProgIds::MessageBox, [b = boxes] { return b; });
-        RegisterServerObject(ProgIds::LangInfo, [] { return std::make_shared<FixedLanguage>(QStringLiteral("chs")); });
+        boxes = recordMessageBoxes();
+        useLanguage(QStringLiteral("chs"));
         ResetLanguageCache();
         SetPropsHostObject([] { return QStringLiteral("ConnectString={Provider=SQLite;Data Source=:memory:}"); });
         SetCurrentGoodsID(QString());
@@ -89,5 +70,5 @@ protected:
     }
 
     std::shared_ptr<RowsGetData> getData;
-    std::shared_ptr<RecordingMessageBox> boxes;
+    std::shared_ptr<HostRecorder> boxes;
 };

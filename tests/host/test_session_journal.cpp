@@ -3,7 +3,6 @@
 #include "host/session_journal.h"
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -155,24 +154,16 @@ TEST_F(SessionJournalTest, OneStationAtATimeHoldsTheJournalOfAUserAndDatabase)
     EXPECT_TRUE(second->Claim(m_props));
 }
 
-TEST_F(SessionJournalTest, ACommitOfOneCountOnALargeOrderWritesLittle)
+TEST_F(SessionJournalTest, CommitsOfSingleCountsOnALargeOrderAreReadBack)
 {
     JournalState state;
     for (int i = 0; i < 500; ++i)
         state.lines.Add(line(90000 + i, i + 1, 0));
     m_journal->Start(m_props, state);
-    QElapsedTimer timer;
-    qint64 worst = 0;
-    std::vector<qint64> all;
     for (int i = 0; i < 50; ++i) {
         state.lines.Item(i * 7).SetValue("GoodsCheckedCnt", 1);
         state.form["lblPickedNum"] = QString::number(i + 1) + "/1000";
-        timer.start();
         m_journal->Commit(state);
-        worst = std::max(worst, timer.nsecsElapsed());
-        all.push_back(timer.nsecsElapsed());
     }
-    std::sort(all.begin(), all.end());
-    std::printf("[ perf     ] journal commit of one line on 500: median %.3f worst %.3f ms\n", all[25] / 1e6, worst / 1e6);
     EXPECT_EQ(m_journal->Read(m_props).lines.Item(49 * 7).GetValue("GoodsCheckedCnt").toInt(), 1);
 }

@@ -4,42 +4,18 @@
 #include "host/host_error.h"
 #include "host/object_factory.h"
 #include "sql/sql_engine.h"
+#include "support/demo_database_fixture.h"
+#include "support/qt_print.h"
 #include <QDateTime>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <ostream>
 
-// Readable failure messages for Qt texts.
-static void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << '"' << text.toStdString() << '"';
-}
-
 namespace {
 
-const QString& pristineDemo()
-{
-    static QTemporaryDir dir;
-    static const QString file = [] {
-        const QString f = dir.filePath("pristine.db");
-        CreateDemoDatabase(f);
-        return f;
-    }();
-    return file;
-}
-
-class MiddleTierTest : public ::testing::Test {
+class MiddleTierTest : public DemoDatabaseTest {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(m_dir.isValid());
-        m_file = m_dir.filePath("demo.db");
-        ASSERT_TRUE(QFile::copy(pristineDemo(), m_file));
-        m_props = DemoPropsString(m_file);
-    }
-    void TearDown() override { SqlEngine::closeAll(); }
-
     RecordsetPtr sql(const QString& statement)
     {
         return CreateServerObjectAs<IGetData>(ProgIds::GetData)->ExecuteSQL(m_props, statement);
@@ -56,10 +32,6 @@ protected:
             r.Add(key, v);
         return r;
     }
-
-    QTemporaryDir m_dir;
-    QString m_file;
-    QString m_props;
 };
 
 } // namespace

@@ -30,7 +30,7 @@ protected:
     QTemporaryDir folder;
     std::shared_ptr<GetDataLog> getData;
     std::shared_ptr<AccessoryLog> accessory;
-    std::shared_ptr<ShownBoxes> boxes;
+    std::shared_ptr<HostRecorder> boxes;
 };
 
 OrderRow row(int entry, int item, QVariant picId, QVariant webshop = QStringLiteral("Shop A"), int quantity = 1)
@@ -101,7 +101,7 @@ TEST_F(OrderGoods, LinesHoldTheirEntriesInOrderWithPicturesAndTypes)
     EXPECT_EQ(accessory->props, QStringList({Props, Props}));
     EXPECT_EQ(PictureTempFolder(), QDir(folder.path()).absolutePath() + "/temp/");
     EXPECT_FALSE(PictureTempFolderIsPerUser());
-    EXPECT_TRUE(boxes->texts.isEmpty());
+    EXPECT_TRUE(boxes->texts().isEmpty());
 }
 
 TEST_F(OrderGoods, TheOneSetIsEmptiedInPlaceAndDroppedAtTheEnd)
@@ -158,16 +158,16 @@ TEST_F(OrderGoods, AFailureKeepsTheLinesReadSoFarAndIsReportedOnce)
     EXPECT_EQ(lines.Count(), 2);
     EXPECT_EQ(lines.Item(1).GetValue("GoodsID").toInt(), 102);
     EXPECT_TRUE(HasGoodsLines());
-    ASSERT_EQ(boxes->texts.size(), 1);
-    EXPECT_EQ(boxes->texts[0], "Overflow");
-    EXPECT_EQ(boxes->titles[0], VeltoTitle);
+    ASSERT_EQ(boxes->texts().size(), 1);
+    EXPECT_EQ(boxes->texts()[0], "Overflow");
+    EXPECT_EQ(boxes->titles()[0], VeltoTitle);
 
     getData->answer = [](const QString&) -> RecordsetPtr {
         throw HostError(HostErrors::Database, QStringLiteral("no such table: IC_Web2ERPOrdersEntry"));
     };
     EXPECT_TRUE(LoadOrderGoods(QStringLiteral("SF1")).sameList(lines));
     EXPECT_EQ(lines.Count(), 0);
-    EXPECT_EQ(boxes->texts.value(1), "no such table: IC_Web2ERPOrdersEntry");
+    EXPECT_EQ(boxes->texts().value(1), "no such table: IC_Web2ERPOrdersEntry");
 
     // A column the statement did not deliver ends the load the same way.
     getData->answer = [](const QString&) {
@@ -175,12 +175,12 @@ TEST_F(OrderGoods, AFailureKeepsTheLinesReadSoFarAndIsReportedOnce)
     };
     LoadOrderGoods(QStringLiteral("SF1"));
     EXPECT_EQ(lines.Count(), 0);
-    EXPECT_EQ(boxes->texts.size(), 3);
+    EXPECT_EQ(boxes->texts().size(), 3);
 
     RegisterServerObject(ProgIds::GetData, nullptr);
     LoadOrderGoods(QStringLiteral("SF1"));
-    EXPECT_EQ(boxes->texts.size(), 4);
-    EXPECT_TRUE(boxes->texts[3].contains(ProgIds::GetData));
+    EXPECT_EQ(boxes->texts().size(), 4);
+    EXPECT_TRUE(boxes->texts()[3].contains(ProgIds::GetData));
 }
 
 TEST_F(OrderGoods, LineIndexComparesIdsAsText)
@@ -223,7 +223,7 @@ TEST_F(OrderGoods, BarCodeLookupAnswersItemAndSerialClassOrNothing)
     // No handler here: the goods scan reports the failure.
     getData->answer = [](const QString&) -> RecordsetPtr { throw HostError(HostErrors::Database, QStringLiteral("down")); };
     EXPECT_THROW(FindWebOrderGoodsByBarCode(QStringLiteral("6901")), HostError);
-    EXPECT_TRUE(boxes->texts.isEmpty());
+    EXPECT_TRUE(boxes->texts().isEmpty());
 }
 
 TEST_F(OrderGoods, PicturesGoToTheUsersCacheWhenTheComponentFolderCannotHoldThem)

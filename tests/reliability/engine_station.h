@@ -28,7 +28,7 @@ protected:
         m_engine = engine;
         m_db = m_dir.filePath(QStringLiteral("%1.db").arg(QLatin1String(engineName(engine))));
         QFile::remove(m_db);
-        ASSERT_TRUE(QFile::copy(pristineDatabase(), m_db));
+        ASSERT_TRUE(QFile::copy(pristineDemo(), m_db));
         QFile::setPermissions(m_db, QFile::ReadOwner | QFile::WriteOwner);
         publish(userId);
     }

@@ -7,6 +7,7 @@
 #include "station/station_fixture.h"
 #include "grid/goods_text_view.h"
 #include "log/log_list.h"
+#include "support/qt_print.h"
 #include "tiles/goods_list_view.h"
 #include <QCheckBox>
 #include <QClipboard>
@@ -14,7 +15,6 @@
 #include <QMimeData>
 #include <QPushButton>
 
-inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
 
 // What a worker sees of the station and what it counts: everything that a
 // refused input must leave as it was.

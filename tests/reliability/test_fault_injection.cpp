@@ -143,7 +143,7 @@ protected:
         ResetHostSession();
         ResetLanguageCache();
         QFile::remove(m_db);
-        ASSERT_TRUE(QFile::copy(pristineDatabase(), m_db));
+        ASSERT_TRUE(QFile::copy(pristineDemo(), m_db));
         QFile::setPermissions(m_db, QFile::ReadOwner | QFile::WriteOwner);
         m_rec->boxes.clear();
         m_rec->answers.clear();

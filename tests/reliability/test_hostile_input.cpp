@@ -5,7 +5,6 @@
 // leaves the order's counts exactly as they were.
 #include "sql/sql_statement_trace.h"
 #include "reliability/reliability_station.h"
-#include <QElapsedTimer>
 
 namespace {
 
@@ -372,17 +371,13 @@ TEST_F(HostileInputTest, EmptyBlankAndHostileEntriesInEveryFieldAreRefusedOrIgno
     EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
 }
 
-TEST_F(HostileInputTest, AVeryLongCodeTypedKeyByKeyIsHandledInReasonableTime)
+TEST_F(HostileInputTest, AVeryLongCodeTypedKeyByKeyIsRefusedAsOneLiteral)
 {
     frmPickigGoods& f = open();
     scan(controls(f).TxtID, QStringLiteral("10001"));
     const QString code = kMarker + QString(9997, QLatin1Char('7'));
-    QElapsedTimer timer;
-    timer.start();
     skipCallsSoFar();
     scan(controls(f).TxtItemID, code);
-    const qint64 ms = timer.elapsed();
-    std::printf("a 10,000-character code typed key by key and scanned: %lld ms\n", static_cast<long long>(ms));
     EXPECT_EQ(controls(f).lblMessage->text(), kUnknownGoods);
     expectCodeStaysOneLiteral(code, "long typed code");
     EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("0/"));

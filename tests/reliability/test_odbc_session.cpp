@@ -244,8 +244,8 @@ TEST_F(OdbcSessionTest, AWholeSessionThroughOdbcGivesWhatTheEmbeddedEngineGives)
     ASSERT_GE(reads.size(), 10);
     const QString embeddedCopy = m_dir.filePath(QStringLiteral("reads-embedded.db"));
     const QString odbcCopy = m_dir.filePath(QStringLiteral("reads-odbc.db"));
-    ASSERT_TRUE(QFile::copy(pristineDatabase(), embeddedCopy));
-    ASSERT_TRUE(QFile::copy(pristineDatabase(), odbcCopy));
+    ASSERT_TRUE(QFile::copy(pristineDemo(), embeddedCopy));
+    ASSERT_TRUE(QFile::copy(pristineDemo(), odbcCopy));
     auto viaEmbedded = SqlEngine::forConnectString(QStringLiteral("Provider=SQLite;Data Source=") + embeddedCopy);
     auto viaOdbc = SqlEngine::forConnectString(SqliteOdbcConnect(odbcCopy));
     int rows = 0;

@@ -205,18 +205,18 @@ TEST_F(Language, ErrorBoxKeepsItsTitleAndResourceKeysGoThroughTheLoader)
         ReportError(5, QStringLiteral("x"));
         ShowHostMessage(QStringLiteral("z"));
     }
-    ASSERT_EQ(boxes->titles.size(), 4);
-    for (const QString& title : boxes->titles)
+    ASSERT_EQ(boxes->titles().size(), 4);
+    for (const QString& title : boxes->titles())
         EXPECT_EQ(title, QStringLiteral("Velto提示"));
     EXPECT_FALSE(loader->keys.contains(QStringLiteral("Velto提示")));
-    EXPECT_EQ(boxes->texts[0], "x");
+    EXPECT_EQ(boxes->texts()[0], "x");
 
     // A key that is no Chinese text is asked for even in simplified Chinese.
     ResetLanguageCache();
     loader->created = 0;
     useLanguage(QStringLiteral("chs"));
     ReportError(5, QStringLiteral("y"));
-    EXPECT_EQ(boxes->titles[4], VeltoTitle);
+    EXPECT_EQ(boxes->titles()[4], VeltoTitle);
     EXPECT_EQ(loader->created, 0);
     EXPECT_EQ(LoadResKey(QStringLiteral("irAmUS")), "订单");
     EXPECT_EQ(loader->languageId, "chs");

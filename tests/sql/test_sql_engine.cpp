@@ -6,6 +6,8 @@
 #include "host/props_text.h"
 #include "sql/sql_engine.h"
 #include "sql/sql_statement_trace.h"
+#include "support/demo_database_fixture.h"
+#include "support/qt_print.h"
 #include "support/sqlite_odbc.h"
 #include "support/unreadable_file.h"
 #include <QFile>
@@ -13,29 +15,11 @@
 #include <gtest/gtest.h>
 #include <ostream>
 
-// Readable failure messages for Qt texts.
-static void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << '"' << text.toStdString() << '"';
-}
-
 namespace {
 
 QString sqliteConnect(const QString& file)
 {
     return QStringLiteral("Provider=SQLite;Data Source=") + file;
-}
-
-// A pristine demo database made once; tests that write use their own copy.
-const QString& pristineDemo()
-{
-    static QTemporaryDir dir;
-    static const QString file = [] {
-        const QString f = dir.filePath("pristine.db");
-        CreateDemoDatabase(f);
-        return f;
-    }();
-    return file;
 }
 
 enum class Engine { Embedded, SqliteOdbc };

@@ -13,11 +13,12 @@
 #include "session/language.h"
 #include "station/frm_pickig_goods.h"
 #include "station/scan_line_edit.h"
+#include "support/demo_database_fixture.h"
+#include "support/host_doubles.h"
 #include "support/station_controls.h"
 #include <QApplication>
 #include <QAtomicInt>
 #include <QFile>
-#include <QQueue>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -26,69 +27,19 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-struct ShownBox {
-    QString text;
-    int flags = 0;
-    QString title;
-};
-
-// What the recording host objects saw, and the answers they give.
-struct StationRecorder {
-    QList<ShownBox> boxes;
-    QQueue<int> answers;      // the next answers to question boxes; Yes when empty
-    QStringList voices;
-};
-
-class RecordingBoxes : public IMessageBox {
-public:
-    explicit RecordingBoxes(std::shared_ptr<StationRecorder> r) : m_r(std::move(r)) {}
-    int Show(QWidget*, const QString& text, int flags, const QString& title) override
-    {
-        m_r->boxes.append({text, flags, title});
-        if ((flags & 7) == 0)
-            return MsgBox::Ok;
-        return m_r->answers.isEmpty() ? MsgBox::Yes : m_r->answers.dequeue();
-    }
-
-private:
-    std::shared_ptr<StationRecorder> m_r;
-};
-
-class RecordingSounds : public ISound {
-public:
-    explicit RecordingSounds(std::shared_ptr<StationRecorder> r) : m_r(std::move(r)) {}
-    void Play(const QString& fileName) override { m_r->voices << fileName; }
-
-private:
-    std::shared_ptr<StationRecorder> m_r;
-};
-
 class StationFormTest : public ::testing::Test {
 protected:
-    static QString pristineDatabase()
-    {
-        static QTemporaryDir dir;
-        static const QString file = [] {
-            const QString f = dir.filePath(QStringLiteral("pristine.db"));
-            CreateDemoDatabase(f);
-            return f;
-        }();
-        return file;
-    }
-
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
         m_db = m_dir.filePath(QStringLiteral("station.db"));
-        ASSERT_TRUE(QFile::copy(pristineDatabase(), m_db));
+        ASSERT_TRUE(QFile::copy(pristineDemo(), m_db));
         QFile::setPermissions(m_db, QFile::ReadOwner | QFile::WriteOwner);
         SetHostLanguageCode(QStringLiteral("chs"));
         ResetLanguageCache();
         ResetHostSession();
         publishUser(1);
-        auto recorder = m_rec;
-        RegisterServerObject(ProgIds::MessageBox, [recorder] { return std::make_shared<RecordingBoxes>(recorder); });
-        RegisterServerObject(ProgIds::Sound, [recorder] { return std::make_shared<RecordingSounds>(recorder); });
+        recordBoxesAndSounds(m_rec);
     }
 
     void TearDown() override
@@ -174,17 +125,11 @@ protected:
             .toString();
     }
 
-    QStringList boxTexts() const
-    {
-        QStringList texts;
-        for (const ShownBox& box : m_rec->boxes)
-            texts << box.text;
-        return texts;
-    }
+    QStringList boxTexts() const { return m_rec->texts(); }
 
     QTemporaryDir m_dir;
     QString m_db;
-    std::shared_ptr<StationRecorder> m_rec = std::make_shared<StationRecorder>();
+    std::shared_ptr<HostRecorder> m_rec = std::make_shared<HostRecorder>();
     std::unique_ptr<frmPickigGoods> m_form;
 
 private:

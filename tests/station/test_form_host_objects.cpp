@@ -5,7 +5,6 @@
 #include <QAbstractButton>
 #include <QDialog>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -157,13 +156,10 @@ TEST_F(StationFormTest, TheSoundServiceIgnoresWhatItCannotPlay)
     notSound.write("not a wave file");
     notSound.close();
     auto sound = CreateServerObjectAs<ISound>(ProgIds::Sound);
-    // A missing file, a broken one, and the same one again: no error, no wait.
-    QElapsedTimer timer;
-    timer.start();
+    // A missing file, a broken one, and the same one again: no error.
     EXPECT_NO_THROW(sound->Play(QStringLiteral("\\voice\\missing.wav")));
     EXPECT_NO_THROW(sound->Play(QStringLiteral("\\voice\\Error.wav")));
     EXPECT_NO_THROW(sound->Play(QStringLiteral("\\voice\\Error.wav")));
-    EXPECT_LT(timer.elapsed(), 1000);
     SetComponentFolder(QString());
 
     // The station plays through whatever sound object is registered.

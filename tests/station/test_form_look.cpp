@@ -1,13 +1,11 @@
 // What the worker sees from a step away: big numbers, the goods taking the
-// room, the stamp on the goods. Pictures of the station go to the build
-// folder (screenshots/) for a look by eye.
+// room, the stamp on the goods. `make screens` takes the pictures for a look by eye.
 #include "grid/goods_text_view.h"
 #include "log/log_list.h"
 #include "station/station_fixture.h"
 #include "tiles/goods_big_view.h"
 #include "tiles/goods_list_view.h"
 #include <QCheckBox>
-#include <QDir>
 #include <QImage>
 #include <QLabel>
 #include <QTableWidget>
@@ -15,13 +13,6 @@
 #include <QToolButton>
 
 namespace {
-
-QString screenshotFolder()
-{
-    const QString folder = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QStringLiteral("../screenshots"));
-    QDir().mkpath(folder);
-    return folder;
-}
 
 QRect boxIn(const QWidget* widget, const QWidget* form)
 {
@@ -82,7 +73,6 @@ TEST_F(StationFormTest, TheStationReadsAtAGlance)
 
     const QImage tiles = form->grab().toImage();
     ASSERT_FALSE(tiles.isNull());
-    EXPECT_TRUE(tiles.save(screenshotFolder() + QStringLiteral("/station_tiles.png")));
 
     // The rest of the order: passed, the stamp on the goods.
     scanInto(controls(form).TxtItemID, QStringLiteral("6931000010086"));
@@ -93,7 +83,6 @@ TEST_F(StationFormTest, TheStationReadsAtAGlance)
     EXPECT_GE(stamp.width(), 200);
     const QImage stampImage = controls(form).ImgSuccess->grab().toImage();
     EXPECT_GT(shareOf(stampImage, QColor(0, 150, 60)), 0.05);   // green ink, not a blank label
-    EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_tiles_passed.png")));
 
     // The grid view of the same order.
     QTest::mouseClick(controls(form).chkShowText, Qt::LeftButton, {}, QPoint(8, controls(form).chkShowText->height() / 2));
@@ -102,16 +91,13 @@ TEST_F(StationFormTest, TheStationReadsAtAGlance)
     // The grid fills the goods area as the tiles did.
     EXPECT_GE(controls(form).GoodsTextView->width(), controls(form).PiclistBack->width() - 12);
     EXPECT_GE(controls(form).GoodsTextView->height(), controls(form).PiclistBack->height() - 12);
-    const QImage grid = form->grab().toImage();
-    EXPECT_TRUE(grid.save(screenshotFolder() + QStringLiteral("/station_grid.png")));
-    EXPECT_NE(grid, tiles);
+    EXPECT_NE(form->grab().toImage(), tiles);
 
     // A problem shows in red.
     scanInto(controls(form).TxtID, QStringLiteral("10006"));
     const QColor red = controls(form).lblMessage->palette().color(QPalette::WindowText);
     EXPECT_GT(red.red(), 180);
     EXPECT_LT(red.green(), 60);
-    EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_refused.png")));
 }
 
 TEST_F(StationFormTest, TheLogPaneShowsAWholePageOfSevenRows)
@@ -159,7 +145,6 @@ TEST_F(StationFormTest, TheLogPaneShowsAWholePageOfSevenRows)
                 << at.toStdString() << " " << row->text().toStdString();
         }
         EXPECT_EQ(drawn, 7) << at.toStdString();
-        EXPECT_TRUE(form->grab().toImage().save(screenshotFolder() + QStringLiteral("/station_log_page_%1.png").arg(at)));
         ASSERT_TRUE(closeStation());
     }
 }
@@ -172,7 +157,6 @@ TEST_F(StationFormTest, ThePickerListsEveryEmployeeByNumberAndTakesTheOneChosen)
     struct Seen {
         QString title, filter;
         QStringList rows;
-        bool saved = false;
     } seen;
     QTimer::singleShot(0, [&] {
         QWidget* dialog = QApplication::activeModalWidget();
@@ -190,7 +174,6 @@ TEST_F(StationFormTest, ThePickerListsEveryEmployeeByNumberAndTakesTheOneChosen)
         filter->clear();
         for (int row = 0; row < table->rowCount(); ++row)
             seen.rows << table->item(row, 0)->text() + QLatin1Char(' ') + table->item(row, 1)->text();
-        seen.saved = dialog->grab().toImage().save(screenshotFolder() + QStringLiteral("/employee_picker.png"));
         // Down twice from the first row, then Enter: the third employee.
         QTest::keyClick(filter, Qt::Key_Down);
         QTest::keyClick(filter, Qt::Key_Down);
@@ -201,7 +184,6 @@ TEST_F(StationFormTest, ThePickerListsEveryEmployeeByNumberAndTakesTheOneChosen)
     EXPECT_EQ(seen.filter, QStringLiteral("张伟"));
     EXPECT_EQ(seen.rows, (QStringList{QStringLiteral("E001 张伟"), QStringLiteral("E002 李娜"), QStringLiteral("E003 王芳"),
                                       QStringLiteral("E004 刘洋")}));
-    EXPECT_TRUE(seen.saved);
     EXPECT_EQ(employee->text(), QStringLiteral("王芳"));
     EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
 }

@@ -1,5 +1,6 @@
 #include "host/host_error.h"
 #include "station/serial_rows.h"
+#include "support/expected_statements.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -18,10 +19,6 @@ GoodsRecord line(int entry, const QString& batch, QVariant stock, QVariant place
     r.SetValue("GoodsID", 7);
     return r;
 }
-
-const QString kInsert = QStringLiteral(
-    " insert IC_Web2ErpOrderSerial (FID,FEntryID,FSerialNumber,FBatchNo,FStockID,FStockPlace,FSerialID,FKFDate,FKFPeriod) "
-    " values (0,");
 } // namespace
 
 TEST(SerialRows, BatchDeletesEachEntryOnceThenInsertsItsRows)
@@ -32,12 +29,12 @@ TEST(SerialRows, BatchDeletesEachEntryOnceThenInsertsItsRows)
     lines.Add(line(13, "B9", 5, QVariant(), ",SNC", ",103", ",0", ","));
 
     // Each serial keeps the shelf life and date at its own position.
-    const QString expected =
-        QStringLiteral(" Delete IC_Web2ErpOrderSerial where FEntryID=11") + "\r\n"
-        + kInsert + "11,'SNA','B1',3,4,'101','2024/01/05',365)" + "\r\n"
-        + kInsert + "11,'SNB','B1',3,4,'102','',0)" + "\r\n"
-        + " Delete IC_Web2ErpOrderSerial where FEntryID=13" + "\r\n"
-        + kInsert + "13,'SNC','B9',5,0,'103','',0)";
+    const QString expected = QStringList{ExpectedSql::serialRowsDelete(11),
+                                         ExpectedSql::serialRowsInsert("11,'SNA','B1',3,4,'101','2024/01/05',365"),
+                                         ExpectedSql::serialRowsInsert("11,'SNB','B1',3,4,'102','',0"),
+                                         ExpectedSql::serialRowsDelete(13),
+                                         ExpectedSql::serialRowsInsert("13,'SNC','B9',5,0,'103','',0")}
+                                 .join(ExpectedSql::CrLf);
     EXPECT_EQ(BuildSerialRowsSql(lines), expected);
     EXPECT_EQ(CollectSerialRows(lines).size(), 3);
     EXPECT_TRUE(CollectSerialRows(RecordList::none()).isEmpty());

@@ -3,6 +3,7 @@
 #include "host/host_error.h"
 #include "tiles/goods_list_model.h"
 #include "tiles/goods_view.h"
+#include "support/expected_statements.h"
 #include "tiles_fixture.h"
 #include <limits>
 
@@ -270,16 +271,8 @@ TEST(GoodsListModelValues, ToInt32)
 
 TEST(GoodsListModelStatements, WebOrderAndBarCode)
 {
-    const QString head = QStringLiteral("Select t1.FItemID,t3.FName as FItemName,sum(t1.FQuantity) as FQuantity,t4.FID as FPicID  ")
-        + QStringLiteral(" from IC_Web2ERPOrdersEntry t1 ")
-        + QStringLiteral(" INNER Join IC_Web2ERPOrders t2 on t1.FID=t2.FID AND t2.FOrderStatus = 6 ")
-        + QStringLiteral(" LEFT Join t_ICItem t3 on t1.FItemID =t3.FItemID ")
-        + QStringLiteral(" LEFT Join t_Accessory t4 on t1.FItemID=t4.FItemID ");
-    const QString group = QStringLiteral("\r\ngroup by t2.FOrderStatus, t3.FBarcode , t2.FLogisticsOrder,t2.FLogisticsComp, t1.FItemID,t3.FName ,t4.FID  ");
-    EXPECT_EQ(GoodsListModel::webOrderGoodsSql(QStringLiteral("2024")),
-              head + QStringLiteral(" Where t2.FUniqueCode ='2024' OR t2.FLogisticsOrder ='2024'") + group);
-    EXPECT_EQ(GoodsListModel::webOrderGoodsSql(QStringLiteral("SF1")),
-              head + QStringLiteral(" Where t2.FLogisticsOrder ='SF1'") + group);
+    EXPECT_EQ(GoodsListModel::webOrderGoodsSql(QStringLiteral("2024")), ExpectedSql::tileGoods(QStringLiteral("2024"), true));
+    EXPECT_EQ(GoodsListModel::webOrderGoodsSql(QStringLiteral("SF1")), ExpectedSql::tileGoods(QStringLiteral("SF1"), false));
     // No table hints, and one line break only.
     const QString sql = GoodsListModel::webOrderGoodsSql(QStringLiteral("1"));
     EXPECT_FALSE(sql.contains(QStringLiteral("nolock"), Qt::CaseInsensitive));
@@ -287,15 +280,6 @@ TEST(GoodsListModelStatements, WebOrderAndBarCode)
     EXPECT_TRUE(GoodsListModel::webOrderEntryGoodsSql(QStringLiteral("1")).startsWith(
         QStringLiteral("Select t1.FItemID,t1.FEntryID,t3.FName as FItemName,t1.FQuantity FQuantity,t4.FID as FPicID  ")));
 
-    const QString crlf = QStringLiteral("\r\n");
     EXPECT_EQ(GoodsListModel::goodsIndexByBarCodeSql(QStringLiteral("690123")),
-              QStringLiteral("select  t3.FBarCode ,t1.FItemID  ") + QStringLiteral(" from IC_Web2ERPOrdersEntry t1 ")
-                  + QStringLiteral(" INNER Join IC_Web2ERPOrders t2 on t1.FID=t2.FID ")
-                  + QStringLiteral(" left join t_Barcode t3 on t1.FItemID=t3.FItemID ")
-                  + QStringLiteral(" LEFT Join t_Accessory t4 on t1.FItemID=t4.FItemID ")
-                  + QStringLiteral(" where t3.FBarCode  ='690123'") + QStringLiteral(" AND NOT EXISTS (SELECT 1") + crlf
-                  + QStringLiteral("FROM    IC_GoodsToMateriel t6") + crlf
-                  + QStringLiteral("INNER JOIN t_ICItem t7 ON t6.FMaterielCode = t7.FNumber") + crlf
-                  + QStringLiteral("WHERE t6.FIsPriceChange = 1 And t7.FItemID = t1.FItemID") + crlf
-                  + QStringLiteral("AND t6.FWebshopID = t2.FWebshopID)") + crlf);
+              ExpectedSql::tileGoodsIndexByBarCode(QStringLiteral("690123")));
 }

@@ -90,11 +90,10 @@ TileEnvironment::TileEnvironment()
     SetPropsHostObject([] { return QStringLiteral("UserID=16394;ConnectString={Provider=SQLite;Data Source=none}"); });
     auto data = getData;
     auto z = zip;
-    auto b = boxes;
     RegisterServerObject(ProgIds::GetData, [data] { return data; });
     RegisterServerObject(ProgIds::AccessoryView, [] { return std::make_shared<FakeAccessory>(); });
     RegisterServerObject(ProgIds::Zip, [z] { return z; });
-    RegisterServerObject(ProgIds::MessageBox, [b] { return b; });
+    recordMessageBoxes(boxes);
 }
 
 TileEnvironment::~TileEnvironment()

@@ -1,10 +1,12 @@
 #pragma once
 // Shared pieces of the tile tests: a component folder of its own with a
 // default picture, picture files, goods lines, and host doubles for the
-// middle tier, the attachments, the decompressor and the message box.
+// middle tier, the attachments and the decompressor.
 #include "host/goods_record.h"
 #include "host/object_factory.h"
 #include "host/recordset.h"
+#include "support/host_doubles.h"
+#include "support/qt_print.h"
 #include <QColor>
 #include <QPoint>
 #include <QRect>
@@ -18,7 +20,6 @@
 #include <vector>
 
 // Readable values in failure messages.
-inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
 inline void PrintTo(const QStringList& l, std::ostream* os) { *os << l.join(QStringLiteral(" | ")).toStdString(); }
 inline void PrintTo(const QRect& r, std::ostream* os)
 {
@@ -63,15 +64,6 @@ public:
     std::function<QString(const QString& target)> pictureFor;   // the file to copy
     void DeCompress(const QString& source, const QString& target) override;
 };
-class FakeMessageBox : public IMessageBox {
-public:
-    QStringList texts;
-    int Show(QWidget*, const QString& text, int, const QString&) override
-    {
-        texts << text;
-        return MsgBox::Ok;
-    }
-};
 
 // Owns a component folder with images/default.jpg and registers the doubles;
 // everything is put back when it goes.
@@ -85,7 +77,7 @@ public:
 
     std::shared_ptr<FakeGetData> getData = std::make_shared<FakeGetData>();
     std::shared_ptr<FakeZip> zip = std::make_shared<FakeZip>();
-    std::shared_ptr<FakeMessageBox> boxes = std::make_shared<FakeMessageBox>();
+    std::shared_ptr<HostRecorder> boxes = std::make_shared<HostRecorder>();
 
     // Loads the module-wide order set through the real order-goods query,
     // with these lines as the rows of the middle tier.
