@@ -9,7 +9,7 @@ FUZZERS := props_fuzzer find_prop_fuzzer tsql_bridge_fuzzer message_fuzzer verdi
 FUZZ_SECONDS ?= 10
 FUZZ_LONG_SECONDS ?= 600
 
-.PHONY: all deps build run test bench soak screens fuzz fuzz-build fuzz-long clean
+.PHONY: all deps build run test bench soak screens fuzz fuzz-build fuzz-long mutants clean
 
 all: build
 
@@ -59,6 +59,11 @@ fuzz: fuzz-build
 
 fuzz-long: fuzz-build
 	@bash scripts/run-fuzzers.sh $(FUZZ_DIR)/bin $(FUZZ_LONG_SECONDS) $(FUZZERS)
+
+# Seeded faults, one at a time, against the suites (its own build, not part of
+# `make test`): MUTANTS_ARGS="--only ID,ID", "--folder grid", "--check", "--out FILE".
+mutants: deps
+	python3 scripts/mutants.py $(MUTANTS_ARGS)
 
 clean:
 	rm -rf build
