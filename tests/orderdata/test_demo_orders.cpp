@@ -2,9 +2,13 @@
 // engine behind it, real gzip attachments and picture files on disk.
 #include "demo/demo_database.h"
 #include "middle_tier_fakes.h"
+#include "host/record_keys.h"
+#include "orderdata/line_picking_state.h"
+#include "orderdata/order_goods.h"
 #include "orderdata/serial_lookup.h"
 #include "sql/sql_engine.h"
 #include <QImage>
+#include <QMap>
 #include <QTemporaryDir>
 
 namespace {
@@ -142,4 +146,54 @@ TEST_F(DemoOrders, AnOrderOfHundredsOfLinesLoadsWithPicturesAndIsFoundByLineAndB
               399);
     const GoodsRecord goods = FindWebOrderGoodsByBarCode(lines.Item(399).GetValue("GoodsBarCode").toString());
     EXPECT_EQ(goods.GetValue("FItemID").toString(), lines.Item(399).GetValue("GoodsID").toString());
+}
+
+// An order left and loaded again: each line's whole picking state comes back
+// on that very line, found by goods and entry, whatever order the reloaded
+// lines stand in. Order 10009 holds the same charger on two entries; 10021 is
+// a serial order, whose lines carry serials with their ids, shelf lives and
+// production dates as the serial scan appends them.
+TEST_F(DemoOrders, ALineStateComesBackWholeOnItsOwnLineWhateverTheOrderOfTheReload)
+{
+    const QStringList keys{RecordKeys::GoodsCheckedCnt, RecordKeys::GoodsPickCnt, RecordKeys::FSeriNum,
+                           RecordKeys::FSerialID, RecordKeys::FKFPeriod, RecordKeys::FKFDate};
+    for (const QString& code : {QStringLiteral("10009"), QStringLiteral("10021")}) {
+        SCOPED_TRACE(code.toStdString());
+        const bool serials = code == QLatin1String("10021");
+        RecordList lines = LoadOrderGoods(code);
+        ASSERT_GE(lines.Count(), 2);
+        QMap<QString, QStringList> picked;
+        for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i) {
+            GoodsRecord line = lines.Item(i);
+            const int n = i - lines.LowerBound() + 1;
+            line.SetValue(RecordKeys::GoodsCheckedCnt, QVariant::fromValue<qint16>(qint16(n)));
+            line.SetValue(RecordKeys::GoodsPickCnt, QVariant::fromValue<qint16>(qint16(n)));
+            if (serials) {
+                line.SetValue(RecordKeys::FSeriNum, QStringLiteral(",W1-000%1").arg(n));
+                line.SetValue(RecordKeys::FSerialID, QStringLiteral(",%1").arg(900 + n));
+                line.SetValue(RecordKeys::FKFPeriod, QStringLiteral(",%1").arg(360 + n));
+                line.SetValue(RecordKeys::FKFDate, QStringLiteral(",2026-0%1-15").arg(n));
+            }
+            QStringList values;
+            for (const QString& key : keys)
+                values << line.GetValue(key).toString();
+            picked.insert(LineIdentity(line), values);
+        }
+        ASSERT_EQ(picked.size(), lines.Count()) << "two lines share an identity";
+        GoodsRecord states;
+        CaptureLineStates(lines, states);
+
+        const RecordList fresh = LoadOrderGoods(code);
+        RecordList reversed;
+        for (int i = fresh.UpperBound(); i >= fresh.LowerBound(); --i)
+            reversed.Add(fresh.Item(i));
+        EXPECT_EQ(RestoreLineStates(reversed, states), picked.size());
+        for (int i = reversed.LowerBound(); i <= reversed.UpperBound(); ++i) {
+            const GoodsRecord line = reversed.Item(i);
+            QStringList values;
+            for (const QString& key : keys)
+                values << line.GetValue(key).toString();
+            EXPECT_EQ(values, picked.value(LineIdentity(line))) << LineIdentity(line).toStdString();
+        }
+    }
 }
