@@ -169,7 +169,7 @@ public:
     {
         const QString file = journalFile(props);
         JournalState state;
-        withConnection(file, false, [&](QSqlDatabase& db) {
+        const auto read = [&](QSqlDatabase& db) {
             QSqlQuery q(db);
             const auto run = [&](const QString& sql) {
                 if (!q.exec(sql))
@@ -199,7 +199,13 @@ public:
                     throw journalError(file, QStringLiteral("a line of the order is missing"));
                 state.lines.Add(it->second);
             }
-        });
+        };
+        // The journal this station writes is held exclusively: it is read
+        // through the writer's own connection.
+        if (m_open && file == m_file)
+            read(m_db);
+        else
+            withConnection(file, false, read);
         return state;
     }
 
@@ -246,11 +252,7 @@ public:
             writeKeys(state.sessionKeys);
             writeLines(state.lines);
         });
-        // A station that never pauses still keeps its log bounded.
-        if (QFileInfo(m_file + QStringLiteral("-wal")).size() > kLogLimitBytes)
-            checkpoint();
-        else
-            m_pause.start();
+        m_pause.start();
     }
 
     void Remove() override
@@ -306,14 +308,21 @@ private:
         if (!m_db.open())
             throw journalError(m_file, m_db.lastError().text());
         m_open = true;
+        // One station holds a journal (the claim), so no other connection
+        // reads it while it is written: no file lock taken and released at
+        // every commit, and the log's index kept in memory, not in a -shm file.
+        exec(QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"));
         exec(QStringLiteral("PRAGMA journal_mode=WAL"));
         // Each commit is in the log before the station answers, so a killed or
         // crashed station loses nothing. The log is flushed to the disk when it
         // is copied into the file, not at each commit (that costs a scan about
         // 4 ms): a power cut can lose the scans since the last pause.
         exec(QStringLiteral("PRAGMA synchronous=NORMAL"));
-        // That copy runs when the worker pauses, not in the middle of a scan.
-        exec(QStringLiteral("PRAGMA wal_autocheckpoint=0"));
+        // That copy runs when the worker pauses, not in the middle of a scan;
+        // a station that never pauses copies it when the log reaches 16 MB.
+        // (The log file keeps its size after a copy, so its size tells
+        // nothing: the engine counts the pages written since.)
+        exec(QStringLiteral("PRAGMA wal_autocheckpoint=%1").arg(kLogLimitPages));
         m_form.clear();
         m_log.clear();
         m_keys.clear();
@@ -466,7 +475,7 @@ private:
     }
 
     static constexpr int kPauseMs = 2000;
-    static constexpr qint64 kLogLimitBytes = 16 * 1024 * 1024;
+    static constexpr int kLogLimitPages = 4096;   // 16 MB of 4 KB pages
 
     QString m_file;
     QTimer m_pause;

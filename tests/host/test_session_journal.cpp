@@ -91,8 +91,7 @@ TEST_F(SessionJournalTest, WhatWasCommittedLastIsReadBackWhole)
     entry.SetValue("log", QStringLiteral("10018异常, , 缺少1件, 误拣0件"));
     m_journal->Commit(state);
 
-    // Another journal object, as after a restart, reads it.
-    const JournalState read = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal)->Read(m_props);
+    const JournalState read = m_journal->Read(m_props);
     EXPECT_EQ(read.form, state.form);
     EXPECT_EQ(read.sessionKeys, state.sessionKeys);
     EXPECT_EQ(describe(read.lines), describe(state.lines));
@@ -109,9 +108,18 @@ TEST_F(SessionJournalTest, WhatWasCommittedLastIsReadBackWhole)
     EXPECT_EQ(describe(second.lines), describe(state.lines));
     EXPECT_EQ(second.sessionLog.Count(), 0);
 
+    // The station dies; the next one reads what was committed last.
+    m_journal.reset();
+    m_journal = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal);
+    const JournalState restarted = m_journal->Read(m_props);
+    EXPECT_EQ(restarted.form, state.form);
+    EXPECT_EQ(describe(restarted.lines), describe(state.lines));
+    EXPECT_EQ(restarted.sessionLog.Count(), 0);
+
     // Another user or another database has a journal of its own.
     EXPECT_FALSE(m_journal->Exists(QStringLiteral("UserID=8;ConnectString={Provider=SQLite;Data Source=/srv/a.db};")));
     EXPECT_FALSE(m_journal->Exists(QStringLiteral("UserID=7;ConnectString={Provider=SQLite;Data Source=/srv/b.db};")));
+    m_journal->Start(m_props, state);
     m_journal->Remove();
     EXPECT_FALSE(m_journal->Exists(m_props));
 }
