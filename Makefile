@@ -5,7 +5,7 @@ TEST_DIR := build/asan
 DEMO_ARGS ?= --demo
 
 FUZZ_DIR := build/fuzz
-FUZZERS := props_fuzzer find_prop_fuzzer tsql_bridge_fuzzer message_fuzzer verdict_fuzzer gs1_fuzzer
+FUZZERS := props_fuzzer find_prop_fuzzer tsql_bridge_fuzzer message_fuzzer verdict_fuzzer gs1_fuzzer quote_defence_fuzzer
 FUZZ_SECONDS ?= 10
 FUZZ_LONG_SECONDS ?= 600
 

@@ -4,88 +4,12 @@
 // placeholder and none pasted into the statement text; and the same text
 // rewritten twice (the shape cache) gives the same statements.
 #include "fuzz_text.h"
+#include "sql_literals.h"
 #include "host/host_error.h"
 #include "sql/tsql_bridge.h"
-#include <QRegularExpression>
 #include <QSet>
 #include <cstdio>
 #include <cstdlib>
-
-namespace {
-// The string literals of a T-SQL text outside comments, '' unescaped; false
-// when a literal is left open.
-bool literalsOf(const QString& sql, QStringList& out)
-{
-    int i = 0;
-    const int n = sql.size();
-    while (i < n) {
-        const QChar c = sql[i];
-        if (c == QLatin1Char('-') && i + 1 < n && sql[i + 1] == QLatin1Char('-')) {
-            while (i < n && sql[i] != QLatin1Char('\n')) ++i;
-        } else if (c == QLatin1Char('/') && i + 1 < n && sql[i + 1] == QLatin1Char('*')) {
-            const int end = sql.indexOf(QStringLiteral("*/"), i + 2);
-            if (end < 0) return false;
-            i = end + 2;
-        } else if (c == QLatin1Char('[')) {
-            const int end = sql.indexOf(QLatin1Char(']'), i + 1);
-            if (end < 0) return false;
-            i = end + 1;
-        } else if (c == QLatin1Char('"')) {
-            const int end = sql.indexOf(QLatin1Char('"'), i + 1);
-            if (end < 0) return false;
-            i = end + 1;
-        } else if (c == QLatin1Char('\'')) {
-            QString lit;
-            ++i;
-            for (;;) {
-                if (i >= n) return false;
-                if (sql[i] == QLatin1Char('\'')) {
-                    if (i + 1 < n && sql[i + 1] == QLatin1Char('\'')) { lit += QLatin1Char('\''); i += 2; continue; }
-                    ++i;
-                    break;
-                }
-                lit += sql[i++];
-            }
-            out << lit;
-        } else {
-            ++i;
-        }
-    }
-    return true;
-}
-// Every quote of a rewritten statement opens one of the bridge's own fixed
-// literals (date formats, modifiers, Str's padding), never a text of the
-// input; names are in backquotes. Counts the '?' outside names.
-bool quotesAreTheBridgesOwn(const QString& sql, qsizetype& placeholders)
-{
-    static const QRegularExpression own(QStringLiteral("^'(now|localtime| days|%Y/%m/%d|\\*+|%\\d+d)'"));
-    placeholders = 0;
-    qsizetype i = 0;
-    while (i < sql.size()) {
-        const QChar c = sql[i];
-        if (c == QLatin1Char('`')) {
-            ++i;
-            for (;;) {
-                if (i >= sql.size()) return false;
-                if (sql[i] == QLatin1Char('`')) {
-                    if (i + 1 < sql.size() && sql[i + 1] == QLatin1Char('`')) { i += 2; continue; }
-                    ++i;
-                    break;
-                }
-                ++i;
-            }
-        } else if (c == QLatin1Char('\'')) {
-            const QRegularExpressionMatch m = own.match(sql.mid(i, 64));
-            if (!m.hasMatch()) return false;
-            i += m.capturedLength();
-        } else {
-            if (c == QLatin1Char('?')) ++placeholders;
-            ++i;
-        }
-    }
-    return true;
-}
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

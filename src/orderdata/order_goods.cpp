@@ -98,46 +98,6 @@ GoodsRecord readGoodsLine(const Recordset& rs)
 
 } // namespace
 
-QString PriceChangeFilterSql()
-{
-    return QStringLiteral(" AND NOT EXISTS (SELECT 1") + CrLf
-        + QStringLiteral("FROM    IC_GoodsToMateriel t6 with(nolock) ") + CrLf
-        + QStringLiteral("INNER JOIN t_ICItem t7 with(nolock) ON t6.FMaterielCode = t7.FNumber") + CrLf
-        + QStringLiteral("WHERE t6.FIsPriceChange = 1 And t7.FItemID = t1.FItemID") + CrLf
-        + QStringLiteral("AND t6.FWebshopID = t2.FWebshopID)") + CrLf;
-}
-
-QString BuildOrderGoodsSql(const QString& code)
-{
-    QString sql;
-    sql += QStringLiteral("Select t1.FEntryID,t1.FBatchNo,t1.FSPID,t1.FStockID,t1.FItemID,ISNULL(t3.FModel,'') as FModel,ISNULL(t3.FName,'') as FItemName,ISNULL(t3.FBarcode,'') AS FBarCode,ISNULL(t3.FSerialClassID,0) as FSerialClassID ,ISNULL(t4.FID,0) as FPicID,t5.FWebshopName,t1.FQuantity  ") + CrLf;
-    sql += QStringLiteral(" from IC_Web2ERPOrdersEntry t1 with(nolock) ") + CrLf;
-    sql += QStringLiteral(" INNER Join IC_Web2ERPOrders t2 with(nolock) on t1.FID=t2.FID AND t2.FOrderStatus = 6 ") + CrLf;
-    sql += QStringLiteral(" LEFT Join t_ICItem t3 with(nolock) on t1.FItemID =t3.FItemID ") + CrLf;
-    sql += QStringLiteral(" LEFT Join t_Accessory t4 with(nolock) on t1.FItemID=t4.FItemID ") + CrLf;
-    sql += QStringLiteral(" LEFT JOIN IC_WebshopToStorage t5 with(nolock) ON t2.FWebshopID = t5.FWebshopID") + CrLf;
-    // A code with letters can only be a logistics number. The numeric branch
-    // has no line break before the filter; the server does not mind.
-    if (IsNumeric(code))
-        sql += QStringLiteral(" Where (t2.FUniqueCode ='") + code + QStringLiteral("' OR t2.FLogisticsOrder ='") + code + QStringLiteral("')");
-    else
-        sql += QStringLiteral(" Where t2.FLogisticsOrder ='") + code + QStringLiteral("'") + CrLf;
-    sql += PriceChangeFilterSql();
-    return sql;
-}
-
-QString BuildBarCodeLookupSql(const QString& barCode)
-{
-    return QStringLiteral("select top 1 t3.FBarCode ,t1.FItemID,t5.FSerialClassID  ")
-        + QStringLiteral(" from IC_Web2ERPOrdersEntry t1 with(nolock) ")
-        + QStringLiteral(" INNER Join IC_Web2ERPOrders t2 with(nolock) on t1.FID=t2.FID ")
-        + QStringLiteral(" left join t_Barcode t3 with(nolock) on t1.FItemID=t3.FItemID ")
-        + QStringLiteral(" LEFT Join t_Accessory t4 with(nolock)  on t1.FItemID=t4.FItemID ")
-        + QStringLiteral(" LEFT Join t_ICItem t5 with(nolock) on t1.FItemID=t5.FItemID ")
-        + QStringLiteral(" where t3.FBarCode  ='") + barCode + QStringLiteral("'")
-        + PriceChangeFilterSql();
-}
-
 RecordList LoadOrderGoods(const QString& code)
 {
     OrderState& s = state();

@@ -3,6 +3,7 @@
 // lookups and the state shared by the goods views.
 #include "host/goods_record.h"
 #include "host/record_list.h"
+#include "orderdata/lookup_statements.h"
 #include <QString>
 #include <QVariant>
 
@@ -34,12 +35,6 @@ QString PictureTempFolder();     // the component's folder followed by "temp/" (
 // True when the component's folder could not be written and the pictures go
 // to QStandardPaths::CacheLocation + "/temp/".
 bool PictureTempFolderIsPerUser();
-
-// The statements, built exactly as the system sends them.
-QString BuildOrderGoodsSql(const QString& code);
-QString BuildBarCodeLookupSql(const QString& barCode);
-// The five lines of the price-change filter, each ended by CR LF.
-QString PriceChangeFilterSql();
 
 // State shared between the goods views and the scan: the current goods and
 // entry (kept as text, set from numbers) and the current goods line.
