@@ -1,5 +1,5 @@
 #pragma once
-// The middle tier and the attachment objects as test doubles: statements and
+// The middle tier and the attachment store as test doubles: statements and
 // arguments are captured, answers are canned.
 #include "session/host_fakes.h"
 #include "host/host_error.h"
@@ -8,12 +8,11 @@
 #include <QFile>
 #include <QHash>
 #include <QList>
+#include <array>
 #include <functional>
 #include <zlib.h>
 
 struct GetDataLog {
-    int created = 0;
-    QStringList props;
     QStringList sqls;
     // Answers the statement; may throw.
     std::function<RecordsetPtr(const QString& sql)> answer;
@@ -22,9 +21,8 @@ struct GetDataLog {
 class FakeGetData : public IGetData {
 public:
     explicit FakeGetData(std::shared_ptr<GetDataLog> log) : m_log(std::move(log)) {}
-    RecordsetPtr ExecuteSQL(const QString& props, const QString& sql) override
+    RecordsetPtr ExecuteSQL(const QString&, const QString& sql) override
     {
-        m_log->props << props;
         m_log->sqls << sql;
         return m_log->answer ? m_log->answer(sql) : std::make_shared<Recordset>();
     }
@@ -37,16 +35,25 @@ private:
 inline std::shared_ptr<GetDataLog> useFakeGetData()
 {
     auto log = std::make_shared<GetDataLog>();
-    RegisterServerObject(ProgIds::GetData, [log] {
-        ++log->created;
-        return std::make_shared<FakeGetData>(log);
-    });
+    RegisterServerObject(ProgIds::GetData, [log] { return std::make_shared<FakeGetData>(log); });
     return log;
+}
+
+// The order-goods statement's rows, in its column order: entry, goods and
+// picture id as given, the rest as the statement's ISNULLs make them.
+inline RecordsetPtr orderGoodsRows(const std::vector<std::array<QVariant, 3>>& rows)
+{
+    std::vector<std::vector<QVariant>> data;
+    for (const auto& [entry, item, picId] : rows)
+        data.push_back({entry, "", 0, 0, item, "", "", "", 0, picId, "Shop A", 1});
+    return std::make_shared<Recordset>(QStringList{"FEntryID", "FBatchNo", "FSPID", "FStockID", "FItemID", "FModel",
+                                                   "FItemName", "FBarCode", "FSerialClassID", "FPicID",
+                                                   "FWebshopName", "FQuantity"},
+                                       std::move(data));
 }
 
 struct AccessoryLog {
     QList<int> ids;
-    QStringList props;
     QHash<int, QByteArray> attachments;
     bool fail = false;
 };
@@ -54,10 +61,9 @@ struct AccessoryLog {
 class FakeAccessoryView : public IAccessoryView {
 public:
     explicit FakeAccessoryView(std::shared_ptr<AccessoryLog> log) : m_log(std::move(log)) {}
-    QByteArray GetID(const QString& props, int attachmentId) override
+    QByteArray GetID(const QString&, int attachmentId) override
     {
         m_log->ids << attachmentId;
-        m_log->props << props;
         if (m_log->fail)
             throw HostError(HostErrors::Database, QStringLiteral("attachment store down"));
         return m_log->attachments.value(attachmentId);
@@ -101,30 +107,4 @@ inline bool writeFile(const QString& path, const QByteArray& bytes)
 {
     QFile f(path);
     return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
-}
-
-// The columns of the order-goods statement, in the statement's order.
-inline QStringList orderGoodsColumns()
-{
-    return {"FEntryID", "FBatchNo", "FSPID", "FStockID", "FItemID", "FModel", "FItemName", "FBarCode",
-            "FSerialClassID", "FPicID", "FWebshopName", "FQuantity"};
-}
-
-struct OrderRow {
-    QVariant entryId, itemId, picId, webshop, quantity;
-    QVariant name = QStringLiteral("");
-    QVariant barCode = QStringLiteral("");
-    QVariant serialClass = 0;
-    QVariant model = QStringLiteral("");
-    QVariant batchNo = QStringLiteral("");
-    QVariant spId = 0, stockId = 0;
-};
-
-inline RecordsetPtr orderGoodsRecordset(const QList<OrderRow>& rows)
-{
-    std::vector<std::vector<QVariant>> data;
-    for (const OrderRow& r : rows)
-        data.push_back({r.entryId, r.batchNo, r.spId, r.stockId, r.itemId, r.model, r.name, r.barCode,
-                        r.serialClass, r.picId, r.webshop, r.quantity});
-    return std::make_shared<Recordset>(orderGoodsColumns(), std::move(data));
 }

@@ -36,13 +36,14 @@ protected:
         boxes = recordMessageBoxes();
     }
 
-    static QStringList goodsIds(const RecordList& lines)
+    static QStringList values(const RecordList& lines, const char* key)
     {
-        QStringList ids;
+        QStringList all;
         for (int i = lines.LowerBound(); i <= lines.UpperBound(); ++i)
-            ids << lines.Item(i).GetValue("GoodsID").toString();
-        return ids;
+            all << lines.Item(i).GetValue(key).toString();
+        return all;
     }
+    static QStringList goodsIds(const RecordList& lines) { return values(lines, "GoodsID"); }
 
     static inline QTemporaryDir* s_dir = nullptr;
     static inline QString s_db;
@@ -54,17 +55,34 @@ protected:
 
 TEST_F(DemoOrders, OrdersLoadByCodeWithTheirPicturesOnDisk)
 {
+    EXPECT_TRUE(GetGoodsLineSet().isNone());
+    EXPECT_FALSE(HasGoodsLines());
     const RecordList lines = LoadOrderGoods(QStringLiteral("10001"));
     ASSERT_TRUE(boxes->texts().isEmpty()) << boxes->texts().join('\n').toStdString();
+    EXPECT_TRUE(lines.sameList(GetGoodsLineSet()));
     EXPECT_EQ(goodsIds(lines), QStringList({"1001", "1008", "1014"}));
+    EXPECT_EQ(values(lines, "GoodsOrderCnt"), QStringList({"1", "1", "2"}));
     EXPECT_EQ(GetWebshopName().toString(), "天猫旗舰店");
     const GoodsRecord earphones = lines.Item(0);
+    EXPECT_EQ(earphones.Keys(), QStringList({"FEntryID", "FSeriNum", "FBatchNo", "FSPID", "FStockID", "FSerialID",
+                                             "FKFPeriod", "FKFDate", "GoodsID", "GoodsName", "GoodsOrderCnt",
+                                             "GoodsPickCnt", "GoodsBarCode", "GoodsCheckedCnt", "FSerialClassID",
+                                             "FModel", "FPicID", "GoodsPicture"}));
     EXPECT_EQ(earphones.GetValue("GoodsName").toString(), "蓝牙耳机");
     EXPECT_EQ(earphones.GetValue("FModel").toString(), "BT-520 黑色");
     EXPECT_EQ(earphones.GetValue("GoodsBarCode").toString().size(), 13);
-    EXPECT_EQ(lines.Item(2).GetValue("GoodsOrderCnt").toInt(), 2);
-    for (int i = 0; i <= lines.UpperBound(); ++i) {
-        const QString picture = lines.Item(i).GetValue("GoodsPicture").toString();
+    // The serial state starts as the empty text (a null string would bind as NULL),
+    // the counts as 16-bit zeros.
+    for (const char* key : {"FSeriNum", "FSerialID", "FKFPeriod", "FKFDate"}) {
+        EXPECT_EQ(earphones.GetValue(key).typeId(), QMetaType::QString) << key;
+        EXPECT_FALSE(earphones.GetValue(key).toString().isNull()) << key;
+        EXPECT_TRUE(earphones.GetValue(key).toString().isEmpty()) << key;
+    }
+    for (const char* key : {"GoodsPickCnt", "GoodsCheckedCnt"}) {
+        EXPECT_EQ(earphones.GetValue(key).typeId(), QMetaType::Short) << key;
+        EXPECT_EQ(earphones.GetValue(key).toInt(), 0) << key;
+    }
+    for (const QString& picture : values(lines, "GoodsPicture")) {
         const QImage image(picture);
         EXPECT_FALSE(image.isNull()) << picture.toStdString();
         EXPECT_EQ(image.size(), QSize(160, 160));
@@ -73,10 +91,11 @@ TEST_F(DemoOrders, OrdersLoadByCodeWithTheirPicturesOnDisk)
     EXPECT_EQ(QDir(PictureTempFolder()).entryList(QDir::Files, QDir::Name),
               QStringList({"Tmp_1001", "Tmp_1008", "Tmp_1014"}));
 
-    // By logistics number; a second load empties the same set.
+    // By logistics number, an order of one line; a second load empties the same set.
     const RecordList again = LoadOrderGoods(QStringLiteral("SF10003"));
     EXPECT_TRUE(again.sameList(lines));
     EXPECT_EQ(goodsIds(lines), QStringList({"1003"}));
+    EXPECT_TRUE(HasGoodsLines());
     EXPECT_TRUE(QFile::exists(PictureTempFolder() + "Tmp_1001"));   // not emptied for the second order
     EXPECT_EQ(goodsIds(LoadOrderGoods(QStringLiteral("773000000002"))), QStringList({"1005", "1016"}));
     EXPECT_TRUE(boxes->texts().isEmpty());
@@ -102,8 +121,6 @@ TEST_F(DemoOrders, StatusFilterCodeKindsAndMissingItems)
     EXPECT_EQ(unknown.GetValue("FPicID").toInt(), 0);
     EXPECT_FALSE(QFile::exists(unknown.GetValue("GoodsPicture").toString()));
     EXPECT_EQ(GetWebshopName().toString(), "");               // shop 99 is not mapped
-
-    EXPECT_EQ(FindGoodsLineIndex(1017, lines.Item(1).GetValue("FEntryID").toString()), 1);
     EXPECT_TRUE(boxes->texts().isEmpty()) << boxes->texts().join('\n').toStdString();
 
     // A quote in the code breaks the statement: reported, nothing loaded.
@@ -111,29 +128,47 @@ TEST_F(DemoOrders, StatusFilterCodeKindsAndMissingItems)
     EXPECT_EQ(boxes->texts().size(), 1);
 }
 
-TEST_F(DemoOrders, BarcodesAndSerialsAreFoundWhereTheyStand)
+// Order 10009 holds the same charger on two entries: a scan is counted on its
+// own entry, found by goods and entry.
+TEST_F(DemoOrders, BarcodesSerialsAndLinesAreFoundWhereTheyStand)
 {
-    LoadOrderGoods(QStringLiteral("10001"));
-    const QString barCode = GetGoodsLineSet().Item(0).GetValue("GoodsBarCode").toString();
-    const GoodsRecord goods = FindWebOrderGoodsByBarCode(barCode);
-    EXPECT_EQ(goods.GetValue("FItemID").toInt(), 1001);
+    const RecordList lines = LoadOrderGoods(QStringLiteral("10009"));
+    ASSERT_EQ(goodsIds(lines), QStringList({"1010", "1006", "1006"}));
+    for (int i = 0; i < 3; ++i) {
+        const GoodsRecord line = lines.Item(i);
+        EXPECT_EQ(FindGoodsLineIndex(line.GetValue("GoodsID").toInt(), line.GetValue("FEntryID").toString()), i);
+    }
+    EXPECT_EQ(FindGoodsLineIndex(1010, lines.Item(1).GetValue("FEntryID").toString()), -1);
+
+    const GoodsRecord goods = FindWebOrderGoodsByBarCode(lines.Item(1).GetValue("GoodsBarCode").toString());
+    EXPECT_EQ(goods.Keys(), QStringList({"FItemID", "FSerialClassID"}));
+    EXPECT_EQ(goods.GetValue("FItemID").toInt(), 1006);
     EXPECT_EQ(goods.GetValue("FSerialClassID").toInt(), 0);
-    EXPECT_EQ(FindWebOrderGoodsByBarCode(QStringLiteral("0000000000000")).Count(), 0);
+    const GoodsRecord none = FindWebOrderGoodsByBarCode(QStringLiteral("0000000000000"));
+    EXPECT_FALSE(none.isNone());
+    EXPECT_EQ(none.Count(), 0);
+    // No handler here: the goods scan reports the failure.
+    EXPECT_THROW(FindWebOrderGoodsByBarCode(QStringLiteral("69'1")), HostError);
 
     const GoodsRecord milk = FindSerialNumber(QStringLiteral("MF-0001"));
+    EXPECT_EQ(milk.Keys(), QStringList({"FItemID", "FSerialNum", "FSerialID", "FBatchNo", "FStockID", "FStockPlace",
+                                        "FKFPeriod", "FKFDate"}));
     EXPECT_EQ(milk.GetValue("FItemID").toInt(), 1033);
     EXPECT_EQ(milk.GetValue("FBatchNo").toString(), "M2403");
     EXPECT_EQ(milk.GetValue("FStockPlace").toInt(), 3);
-    EXPECT_EQ(milk.GetValue("FKFPeriod").toString(), "720");
+    EXPECT_EQ(milk.GetValue("FKFPeriod").toString(), "720");   // the text the statement made of it
     EXPECT_EQ(milk.GetValue("FKFDate").toString().left(10), "2024-03-01");
-
+    // No shelf life: the statement's empty text becomes the integer 0.
     const GoodsRecord mouse = FindSerialNumber(QStringLiteral("MS-0001"));
     EXPECT_EQ(mouse.GetValue("FKFPeriod").typeId(), QMetaType::Short);
     EXPECT_EQ(mouse.GetValue("FKFPeriod").toInt(), 0);
 
-    EXPECT_EQ(FindSerialNumber(QStringLiteral("SPK-0001")).Count(), 0);     // serial class 2
+    const GoodsRecord speaker = FindSerialNumber(QStringLiteral("SPK-0001"));   // serial class 2
+    EXPECT_FALSE(speaker.isNone());
+    EXPECT_EQ(speaker.Count(), 0);
     EXPECT_EQ(FindSerialNumber(QStringLiteral("NO-SUCH")).Count(), 0);
     EXPECT_THROW(FindSerialNumber(QStringLiteral("MF'1")), HostError);
+    EXPECT_TRUE(boxes->texts().isEmpty());
 }
 
 TEST_F(DemoOrders, AnOrderOfHundredsOfLinesLoadsWithPicturesAndIsFoundByLineAndBarcode)
@@ -141,13 +176,12 @@ TEST_F(DemoOrders, AnOrderOfHundredsOfLinesLoadsWithPicturesAndIsFoundByLineAndB
     const RecordList lines = LoadOrderGoods(QStringLiteral("BENCH400"));
     ASSERT_EQ(lines.Count(), 400);
     EXPECT_TRUE(boxes->texts().isEmpty()) << boxes->texts().join('\n').toStdString();
-    EXPECT_FALSE(QImage(lines.Item(399).GetValue("GoodsPicture").toString()).isNull());
-    EXPECT_EQ(FindGoodsLineIndex(lines.Item(399).GetValue("GoodsID").toInt(), lines.Item(399).GetValue("FEntryID").toString()),
-              399);
-    const GoodsRecord goods = FindWebOrderGoodsByBarCode(lines.Item(399).GetValue("GoodsBarCode").toString());
-    EXPECT_EQ(goods.GetValue("FItemID").toString(), lines.Item(399).GetValue("GoodsID").toString());
+    const GoodsRecord last = lines.Item(399);
+    EXPECT_FALSE(QImage(last.GetValue("GoodsPicture").toString()).isNull());
+    EXPECT_EQ(FindGoodsLineIndex(last.GetValue("GoodsID").toInt(), last.GetValue("FEntryID").toString()), 399);
+    const GoodsRecord goods = FindWebOrderGoodsByBarCode(last.GetValue("GoodsBarCode").toString());
+    EXPECT_EQ(goods.GetValue("FItemID").toString(), last.GetValue("GoodsID").toString());
 }
-
 // An order left and loaded again: each line's whole picking state comes back
 // on that very line, found by goods and entry, whatever order the reloaded
 // lines stand in. Order 10009 holds the same charger on two entries; 10021 is

@@ -7,9 +7,11 @@
 #include "sql/sql_engine.h"
 #include "sql/sql_statement_trace.h"
 #include "support/demo_database_fixture.h"
+#include "support/expected_statements.h"
 #include "support/qt_print.h"
 #include "support/sqlite_odbc.h"
 #include "support/unreadable_file.h"
+#include <QDateTime>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -17,9 +19,25 @@
 
 namespace {
 
-QString sqliteConnect(const QString& file)
+// The text of the HostError the call raises (description and what()), after
+// checking its number; a failure when it raises none.
+template <typename Call>
+QString errorText(Call&& call, long number = HostErrors::Database)
 {
-    return QStringLiteral("Provider=SQLite;Data Source=") + file;
+    try {
+        call();
+    } catch (const HostError& e) {
+        EXPECT_EQ(e.number(), number);
+        return e.description() + QLatin1Char('\n') + QString::fromUtf8(e.what());
+    }
+    ADD_FAILURE() << "no HostError raised";
+    return {};
+}
+
+qint64 scalar(SqlEngine& e, const QString& sql)
+{
+    auto rs = e.executeBatch(sql);
+    return rs->isEOF() ? -1 : rs->Fields(rs->columns().first()).toLongLong();
 }
 
 enum class Engine { Embedded, SqliteOdbc };
@@ -43,14 +61,9 @@ protected:
 
     QString connect(const QString& file) const
     {
-        return GetParam() == Engine::SqliteOdbc ? SqliteOdbcConnect(file) : sqliteConnect(file);
+        return GetParam() == Engine::SqliteOdbc ? SqliteOdbcConnect(file) : "Provider=SQLite;Data Source=" + file;
     }
     std::shared_ptr<SqlEngine> engine() { return SqlEngine::forConnectString(connect(m_file)); }
-    qint64 scalar(const QString& sql)
-    {
-        auto rs = engine()->executeBound(sql);
-        return rs->isEOF() ? -1 : rs->Fields(rs->columns().first()).toLongLong();
-    }
 
     QTemporaryDir m_dir;
     QString m_file;
@@ -63,135 +76,115 @@ INSTANTIATE_TEST_SUITE_P(Engines, SqlEngineTest, ::testing::Values(Engine::Embed
                              return info.param == Engine::SqliteOdbc ? "SqliteOdbc" : "Embedded";
                          });
 
-TEST(ConnectStringMapping, SqliteFormsAndBrokenStrings)
+TEST(ConnectStringMapping, EachFormReachesItsEngine)
 {
-    ConnectionTarget t = MapConnectString("Provider=SQLite;Data Source=/var/lib/rnw/demo.db");
-    EXPECT_EQ(t.kind, ConnectionTarget::Sqlite);
-    EXPECT_EQ(t.sqliteFile, "/var/lib/rnw/demo.db");
-
-    t = MapConnectString(" provider = sqlite ; data source = {/tmp/a;b/demo.db} ; ");
-    EXPECT_EQ(t.kind, ConnectionTarget::Sqlite);
-    EXPECT_EQ(t.sqliteFile, "/tmp/a;b/demo.db");
-
-    try {
-        MapConnectString("Provider=SQLite;");
-        FAIL() << "a SQLite string without a file must be refused";
-    } catch (const HostError& e) {
-        EXPECT_EQ(e.number(), HostErrors::Database);
-        EXPECT_TRUE(e.description().contains("Data Source"));
+    const QString ext = TextCollationExtensionPath();
+    EXPECT_TRUE(ext.endsWith("/librnwcollation.so"));
+    // No ODBC string: the embedded engine on the file.
+    const struct {
+        QString in, odbc, file;
+        bool bridge;
+    } cases[] = {
+        {"Provider=SQLite;Data Source=/var/lib/rnw/demo.db", "", "/var/lib/rnw/demo.db", false},
+        {" provider = sqlite ; data source = {/tmp/a;b/demo.db} ; ", "", "/tmp/a;b/demo.db", false},
+        {"Provider=SQLOLEDB.1;Persist Security Info=True;Data Source=erp-db01;Initial Catalog=erpdata01;"
+         "User ID=sa;Password=Pa55w!;Application Name=RnWDPicking",
+         "Driver=FreeTDS;Server=erp-db01;Database=erpdata01;UID=sa;PWD=Pa55w!;APP=RnWDPicking;ClientCharset=UTF-8;", "", false},
+        // port after a comma, a named instance, the local server
+        {"Provider=SQLOLEDB;Data Source=tcp:10.0.0.5,14330;Initial Catalog=db;User ID=u;Password=p;Connect Timeout=4",
+         "Driver=FreeTDS;Server=10.0.0.5;Port=14330;Database=db;UID=u;PWD=p;ClientCharset=UTF-8;", "", false},
+        {"Provider=SQLOLEDB;Data Source=ERP\\SQL2019;Initial Catalog=db;Integrated Security=SSPI;User ID=ignored",
+         "Driver=FreeTDS;Server=ERP\\SQL2019;Database=db;Trusted_Connection=Yes;ClientCharset=UTF-8;", "", false},
+        {"Provider=SQLOLEDB;Data Source=(local);Initial Catalog=db;User ID=u;Password=",
+         "Driver=FreeTDS;Server=localhost;Database=db;UID=u;PWD=;ClientCharset=UTF-8;", "", false},
+        // a password holding separators is braced
+        {"Provider=SQLOLEDB;Data Source=s;User ID=u;Password={a;b}", "Driver=FreeTDS;Server=s;UID=u;PWD={a;b};ClientCharset=UTF-8;", "", false},
+        // ODBC strings pass on as written, less an OLE DB provider
+        {"Driver={ODBC Driver 18 for SQL Server};Server=db;Database=x;UID=u;PWD=p;",
+         "Driver=ODBC Driver 18 for SQL Server;Server=db;Database=x;UID=u;PWD=p;", "", false},
+        {"Provider=MSDASQL;DSN=ERP;UID=u;PWD=p", "DSN=ERP;UID=u;PWD=p;", "", false},
+        // The driver registered as SQLite3 gets the bridge: never a new empty
+        // file, 64-bit numbers, the embedded engine's wait for a lock and the
+        // text comparison of the demo schema, loaded from beside the component.
+        {"Driver=SQLite3;Database=/var/lib/rnw/demo.db",
+         "Driver=SQLite3;Database=/var/lib/rnw/demo.db;NoCreat=1;BigInt=1;Timeout=5000;LoadExt=" + ext + ";", "/var/lib/rnw/demo.db", true},
+        // braces and case; a wait of its own is kept, a NoCreat=0 or BigInt=0 is not
+        {" driver = {sqlite3} ; Database={/tmp/a;b/demo.db};Timeout=800;NoCreat=0;bigint=0;PWD=x",
+         "driver=sqlite3;Database={/tmp/a;b/demo.db};Timeout=800;PWD=x;NoCreat=1;BigInt=1;LoadExt=" + ext + ";", "/tmp/a;b/demo.db", true},
+        // an extension of the site's own is loaded after ours
+        {"Driver=SQLite3;Database=/d.db;LoadExt=/opt/ext/spatial.so",
+         "Driver=SQLite3;Database=/d.db;NoCreat=1;BigInt=1;Timeout=5000;LoadExt=" + ext + ",/opt/ext/spatial.so;", "/d.db", true},
+        // every other driver, SQLite's own library named by file included, gets the statements as written
+        {"Driver=libsqlite3odbc.so;Database=/tmp/demo.db", "Driver=libsqlite3odbc.so;Database=/tmp/demo.db;", "", false},
+        {"Driver=SQLite;Database=/tmp/demo.db", "Driver=SQLite;Database=/tmp/demo.db;", "", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.in.toStdString());
+        const ConnectionTarget t = MapConnectString(c.in);
+        EXPECT_EQ(t.kind, c.odbc.isEmpty() ? ConnectionTarget::Sqlite : ConnectionTarget::Odbc);
+        EXPECT_EQ(t.odbcConnectString, c.odbc);
+        EXPECT_EQ(t.sqliteFile, c.file);
+        EXPECT_EQ(t.tsqlBridge, c.bridge);
     }
+    EXPECT_EQ(MapConnectString(cases[2].in).loginTimeoutSeconds, 15);
+    EXPECT_EQ(MapConnectString(cases[3].in).loginTimeoutSeconds, 4);
+
+    EXPECT_TRUE(errorText([] { MapConnectString("Provider=SQLite;"); }).contains("Data Source"));
+    EXPECT_TRUE(errorText([] { MapConnectString("Driver=SQLite3;Timeout=800"); }).contains("Database"));
     EXPECT_THROW(MapConnectString("Provider=SQLOLEDB.1;Initial Catalog=AIS;User ID=sa;Password=x"), HostError);
-}
-
-TEST(ConnectStringMapping, SqlServerThroughFreeTds)
-{
-    ConnectionTarget t = MapConnectString(
-        "Provider=SQLOLEDB.1;Persist Security Info=True;Data Source=erp-db01;Initial Catalog=erpdata01;"
-        "User ID=sa;Password=Pa55w!;Application Name=RnWDPicking");
-    EXPECT_EQ(t.kind, ConnectionTarget::Odbc);
-    EXPECT_EQ(t.odbcConnectString,
-              "Driver=FreeTDS;Server=erp-db01;Database=erpdata01;UID=sa;PWD=Pa55w!;APP=RnWDPicking;ClientCharset=UTF-8;");
-    EXPECT_EQ(t.loginTimeoutSeconds, 15);
-
-    // port after a comma, a named instance, the local server, a timeout
-    t = MapConnectString("Provider=SQLOLEDB;Data Source=tcp:10.0.0.5,14330;Initial Catalog=db;User ID=u;Password=p;Connect Timeout=4");
-    EXPECT_EQ(t.odbcConnectString, "Driver=FreeTDS;Server=10.0.0.5;Port=14330;Database=db;UID=u;PWD=p;ClientCharset=UTF-8;");
-    EXPECT_EQ(t.loginTimeoutSeconds, 4);
-    t = MapConnectString("Provider=SQLOLEDB;Data Source=ERP\\SQL2019;Initial Catalog=db;Integrated Security=SSPI;User ID=ignored");
-    EXPECT_EQ(t.odbcConnectString, "Driver=FreeTDS;Server=ERP\\SQL2019;Database=db;Trusted_Connection=Yes;ClientCharset=UTF-8;");
-    t = MapConnectString("Provider=SQLOLEDB;Data Source=(local);Initial Catalog=db;User ID=u;Password=");
-    EXPECT_EQ(t.odbcConnectString, "Driver=FreeTDS;Server=localhost;Database=db;UID=u;PWD=;ClientCharset=UTF-8;");
-
-    // a password holding separators is braced, a '}' in it doubled
-    t = MapConnectString("Provider=SQLOLEDB;Data Source=s;User ID=u;Password={a;b}");
-    EXPECT_EQ(t.odbcConnectString, "Driver=FreeTDS;Server=s;UID=u;PWD={a;b};ClientCharset=UTF-8;");
-
-    // ODBC strings pass on as written, less an OLE DB provider
-    t = MapConnectString("Driver={ODBC Driver 18 for SQL Server};Server=db;Database=x;UID=u;PWD=p;");
-    EXPECT_EQ(t.kind, ConnectionTarget::Odbc);
-    EXPECT_EQ(t.odbcConnectString, "Driver=ODBC Driver 18 for SQL Server;Server=db;Database=x;UID=u;PWD=p;");
-    t = MapConnectString("Provider=MSDASQL;DSN=ERP;UID=u;PWD=p");
-    EXPECT_EQ(t.odbcConnectString, "DSN=ERP;UID=u;PWD=p;");
-}
-
-TEST(ConnectStringMapping, TheSqliteOdbcDriverGetsTheBridgeAndTheFileRules)
-{
-    ConnectionTarget t = MapConnectString("Driver=SQLite3;Database=/var/lib/rnw/demo.db");
-    EXPECT_EQ(t.kind, ConnectionTarget::Odbc);
-    EXPECT_TRUE(t.tsqlBridge);
-    EXPECT_EQ(t.sqliteFile, "/var/lib/rnw/demo.db");
-    // never a new empty file, 64-bit numbers, the embedded engine's wait for a lock
-    // and the text comparison of the demo schema, loaded from beside the component
-    EXPECT_EQ(t.odbcConnectString, "Driver=SQLite3;Database=/var/lib/rnw/demo.db;NoCreat=1;BigInt=1;Timeout=5000;LoadExt="
-                                       + TextCollationExtensionPath() + ";");
-    EXPECT_TRUE(TextCollationExtensionPath().endsWith("/librnwcollation.so"));
-
-    // braces and case; a wait of its own is kept, a NoCreat=0 or BigInt=0 is not
-    t = MapConnectString(" driver = {sqlite3} ; Database={/tmp/a;b/demo.db};Timeout=800;NoCreat=0;bigint=0;PWD=x");
-    EXPECT_TRUE(t.tsqlBridge);
-    EXPECT_EQ(t.sqliteFile, "/tmp/a;b/demo.db");
-    EXPECT_EQ(t.odbcConnectString, "driver=sqlite3;Database={/tmp/a;b/demo.db};Timeout=800;PWD=x;NoCreat=1;BigInt=1;LoadExt="
-                                       + TextCollationExtensionPath() + ";");
-    // an extension of the site's own is loaded after ours
-    t = MapConnectString("Driver=SQLite3;Database=/d.db;LoadExt=/opt/ext/spatial.so");
-    EXPECT_TRUE(t.odbcConnectString.endsWith("LoadExt=" + TextCollationExtensionPath() + ",/opt/ext/spatial.so;"))
-        << t.odbcConnectString.toStdString();
-
-    try {
-        MapConnectString("Driver=SQLite3;Timeout=800");
-        FAIL() << "a SQLite ODBC string without a file must be refused";
-    } catch (const HostError& e) {
-        EXPECT_TRUE(e.description().contains("Database")) << e.description().toStdString();
-    }
-
-    // every other driver, SQLite's own library named by file included, and
-    // every SQL Server string get the statements as written
-    EXPECT_FALSE(MapConnectString("Driver=libsqlite3odbc.so;Database=/tmp/demo.db").tsqlBridge);
-    EXPECT_FALSE(MapConnectString("Driver=SQLite;Database=/tmp/demo.db").tsqlBridge);
-    EXPECT_FALSE(MapConnectString("Driver={ODBC Driver 18 for SQL Server};Server=db;Database=x").tsqlBridge);
-    EXPECT_FALSE(MapConnectString("Provider=SQLOLEDB;Data Source=s;Initial Catalog=db;User ID=u;Password=p").tsqlBridge);
 }
 
 TEST(ConnectStringMapping, PasswordsAreMaskedEverywhere)
 {
-    EXPECT_EQ(MaskPasswords("Data Source=s;User ID=sa;Password=Pa55w!;Initial Catalog=db"),
-              "Data Source=s;User ID=sa;Password=***;Initial Catalog=db");
-    EXPECT_EQ(MaskPasswords("UserID=1;ConnectString={Provider=SQLOLEDB;Data Source=s;pwd=abc};Lang=chs;"),
-              "UserID=1;ConnectString={Provider=SQLOLEDB;Data Source=s;pwd=***};Lang=chs;");
-    EXPECT_EQ(MaskPasswords("Driver=FreeTDS;UID=u;PWD={a;b}};c};APP=x;"), "Driver=FreeTDS;UID=u;PWD=***;APP=x;");
-    EXPECT_EQ(MaskPasswords("PASSWORD = x y z"), "PASSWORD = ***");
-    // other keys that merely contain the word stay
-    EXPECT_EQ(MaskPasswords("OldPwd=1;PasswordHint=2"), "OldPwd=1;PasswordHint=2");
+    const struct {
+        const char *in, *masked;
+    } cases[] = {
+        {"Data Source=s;User ID=sa;Password=Pa55w!;Initial Catalog=db", "Data Source=s;User ID=sa;Password=***;Initial Catalog=db"},
+        {"UserID=1;ConnectString={Provider=SQLOLEDB;Data Source=s;pwd=abc};Lang=chs;",
+         "UserID=1;ConnectString={Provider=SQLOLEDB;Data Source=s;pwd=***};Lang=chs;"},
+        {"Driver=FreeTDS;UID=u;PWD={a;b}};c};APP=x;", "Driver=FreeTDS;UID=u;PWD=***;APP=x;"},
+        {"PASSWORD = x y z", "PASSWORD = ***"},
+        // other keys that merely contain the word stay
+        {"OldPwd=1;PasswordHint=2", "OldPwd=1;PasswordHint=2"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(MaskPasswords(c.in), c.masked);
 
     EXPECT_EQ(ConnectStringFromProps("UserID=1;connectstring={Provider=SQLite;Data Source=x.db};"),
               "Provider=SQLite;Data Source=x.db");
-    try {
-        ConnectStringFromProps("UserID=1;Lang=chs;");
-        FAIL() << "no ConnectString must be refused";
-    } catch (const HostError& e) {
-        EXPECT_TRUE(e.description().contains("ConnectString"));
-    }
+    EXPECT_TRUE(errorText([] { ConnectStringFromProps("UserID=1;Lang=chs;"); }).contains("ConnectString"));
     EXPECT_THROW(ConnectStringFromProps("UserID=1;ConnectString=;"), HostError);
 }
 
-TEST(OdbcEngine, AFailedOpenNeverShowsThePassword)
+TEST(OdbcEngine, AFailedOpenNamesWhatFailedButNeverThePassword)
 {
     const QString secret = "Sup3rSecretPw";
-    auto engine = SqlEngine::forConnectString(
-        "Provider=SQLOLEDB;Data Source=rnw-no-such-host.invalid;Initial Catalog=AIS;User ID=sa;Password=" + secret
-        + ";Connect Timeout=2");
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        try {
-            engine->executeBatch("select 1");
-            FAIL() << "there is no server to reach";
-        } catch (const HostError& e) {
-            EXPECT_EQ(e.number(), HostErrors::Database);
-            EXPECT_FALSE(e.description().contains(secret)) << e.description().toStdString();
-            EXPECT_FALSE(QString::fromUtf8(e.what()).contains(secret));
-            EXPECT_TRUE(e.description().contains("rnw-no-such-host.invalid")) << e.description().toStdString();
+    QTemporaryDir dir;
+    const QString missing = dir.filePath("missing.db");
+    const bool sqliteDriver = SqliteOdbcUnavailableReason().isEmpty();
+    const struct {
+        QString connect, named;
+        bool needsSqliteDriver;
+    } cases[] = {
+        {"Provider=SQLOLEDB;Data Source=rnw-no-such-host.invalid;Initial Catalog=AIS;User ID=sa;Password=" + secret
+             + ";Connect Timeout=2",
+         "rnw-no-such-host.invalid", false},
+        {"Driver=SQLite3;Database=" + missing + ";PWD=" + secret, missing, true},
+        {"Driver=SQLite3x;Database=" + missing + ";PWD=" + secret, "SQLite3x", true},
+    };
+    for (const auto& c : cases) {
+        if (c.needsSqliteDriver && !sqliteDriver)
+            continue;
+        SCOPED_TRACE(c.named.toStdString());
+        auto engine = SqlEngine::forConnectString(c.connect);
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            const QString error = errorText([&] { engine->executeBatch("select 1"); });
+            EXPECT_TRUE(error.contains(c.named)) << error.toStdString();
+            EXPECT_FALSE(error.contains(secret)) << error.toStdString();
+            EXPECT_FALSE(engine->isOpen());
         }
-        EXPECT_FALSE(engine->isOpen());
     }
+    EXPECT_FALSE(QFile::exists(missing));
     SqlEngine::closeAll();
 }
 
@@ -207,120 +200,67 @@ TEST(OdbcEngine, OnlyTheSqliteDriverGetsTheBridge)
 
     SqlStatementTrace::reset();
     SqlStatementTrace::setCapturing(true);
-    auto bridged = SqlEngine::forConnectString(SqliteOdbcConnect(file));
-    auto rs = bridged->executeBatch(tsql);
+    auto rs = SqlEngine::forConnectString(SqliteOdbcConnect(file))->executeBatch(tsql);
     ASSERT_FALSE(rs->isEOF());
     EXPECT_EQ(rs->Fields("FName").toString(), "棒球帽");
-    auto ran = SqlStatementTrace::takeCaptured();
-    ASSERT_EQ(ran.size(), 1u);
+    // the same driver named by its library is just another ODBC driver:
+    // what the server would get, it gets, letter for letter
+    auto plain = SqlEngine::forConnectString("Driver=libsqlite3odbc.so;Database=" + file);
+    const QString common = "select FName from t_ICItem where FItemID = 1023";
+    EXPECT_EQ(plain->executeBatch(common)->Fields("FName").toString(), "棒球帽");
+    EXPECT_THROW(plain->executeBatch(tsql), HostError);
+    const auto ran = SqlStatementTrace::takeCaptured();
+    SqlStatementTrace::setCapturing(false);
+    ASSERT_EQ(ran.size(), 3u);
     EXPECT_TRUE(ran[0].sql.contains("LIMIT 1")) << ran[0].sql.toStdString();
     EXPECT_FALSE(ran[0].sql.contains("nolock")) << ran[0].sql.toStdString();
     EXPECT_EQ(ran[0].params, QVariantList{QString("04.004")});
-
-    // the same driver named by its library is just another ODBC driver:
-    // what the server would get, it gets, letter for letter
-    SqlStatementTrace::setCapturing(true);
-    auto plain = SqlEngine::forConnectString("Driver=libsqlite3odbc.so;Database=" + file);
-    const QString common = "select FName from t_ICItem where FItemID = 1023";
-    rs = plain->executeBatch(common);
-    ASSERT_FALSE(rs->isEOF());
-    EXPECT_EQ(rs->Fields("FName").toString(), "棒球帽");
-    EXPECT_THROW(plain->executeBatch(tsql), HostError);
-    ran = SqlStatementTrace::takeCaptured();
-    SqlStatementTrace::setCapturing(false);
-    ASSERT_EQ(ran.size(), 2u);
-    EXPECT_EQ(ran[0].sql, common);
-    EXPECT_TRUE(ran[0].params.isEmpty());
-    EXPECT_EQ(ran[1].sql, tsql);
+    EXPECT_EQ(ran[1].sql, common);
+    EXPECT_TRUE(ran[1].params.isEmpty());
+    EXPECT_EQ(ran[2].sql, tsql);
     SqlEngine::closeAll();
 }
 
-TEST(OdbcEngine, AWrongDriverOrAMissingFileIsNamedWithoutThePassword)
+TEST_P(SqlEngineTest, TheFileIsUsedOnlyWhileItIsThereAndReadable)
 {
-    const QString reason = SqliteOdbcUnavailableReason();
-    if (!reason.isEmpty())
-        GTEST_SKIP() << "ODBC engine not run: " << reason.toStdString();
-    QTemporaryDir dir;
-    const QString secret = "Sup3rSecretPw";
-    const QString missing = dir.filePath("missing.db");
-    const struct {
-        QString connect, named;
-    } cases[] = {
-        {"Driver=SQLite3;Database=" + missing + ";PWD=" + secret, missing},
-        {"Driver=SQLite3x;Database=" + missing + ";PWD=" + secret, "SQLite3x"},
-    };
-    for (const auto& c : cases) {
-        auto engine = SqlEngine::forConnectString(c.connect);
-        try {
-            engine->executeBatch("select 1");
-            FAIL() << "must not open: " << c.connect.toStdString();
-        } catch (const HostError& e) {
-            EXPECT_EQ(e.number(), HostErrors::Database);
-            EXPECT_TRUE(e.description().contains(c.named)) << e.description().toStdString();
-            EXPECT_FALSE(e.description().contains(secret)) << e.description().toStdString();
-        }
-        EXPECT_FALSE(engine->isOpen());
-    }
-    EXPECT_FALSE(QFile::exists(missing));
-    SqlEngine::closeAll();
-}
-
-TEST_P(SqlEngineTest, MissingFileIsRefusedNotCreatedAndOpensOnceItComes)
-{
+    // Missing: refused, not created, and opened once it comes.
     const QString later = m_dir.filePath("later.db");
     auto e = SqlEngine::forConnectString(connect(later));
     for (int attempt = 0; attempt < 2; ++attempt) {
-        try {
-            e->executeBound("SELECT 1");
-            FAIL() << "a missing file must not open";
-        } catch (const HostError& error) {
-            EXPECT_EQ(error.number(), HostErrors::Database);
-            EXPECT_TRUE(error.description().contains(later)) << error.description().toStdString();
-        }
+        EXPECT_TRUE(errorText([&] { e->executeBound("SELECT 1"); }).contains(later));
         EXPECT_FALSE(QFile::exists(later));
         EXPECT_FALSE(e->isOpen());
     }
     ASSERT_TRUE(QFile::copy(m_file, later));
-    EXPECT_EQ(e->executeBound("SELECT COUNT(*) AS N FROM t_ICItem")->Fields("N").toInt(), 40);
+    EXPECT_EQ(scalar(*e, "SELECT COUNT(*) FROM t_ICItem"), 40);
     EXPECT_TRUE(e->isOpen());
 
-    // the file goes away while the connection is open: refused, not served stale
+    // The file goes away while the connection is open: refused, not served stale.
     ASSERT_TRUE(QFile::rename(later, later + ".moved"));
     EXPECT_THROW(e->executeBound("SELECT COUNT(*) FROM t_ICItem"), HostError);
     EXPECT_FALSE(e->isOpen());
     EXPECT_FALSE(QFile::exists(later));
     ASSERT_TRUE(QFile::rename(later + ".moved", later));
-    EXPECT_EQ(e->executeBound("SELECT COUNT(*) AS N FROM t_Stock")->Fields("N").toInt(), 3);
-}
+    EXPECT_EQ(scalar(*e, "SELECT COUNT(*) FROM t_Stock"), 3);
 
-TEST_P(SqlEngineTest, AFileMadeUnreadableIsLetGoAndOpenedAgainWhenItIsBack)
-{
-    auto e = engine();
-    EXPECT_EQ(scalar("SELECT COUNT(*) FROM t_Stock"), 3);
-    ASSERT_TRUE(e->isOpen());
     {
-        UnreadableFile locked(m_file);
+        UnreadableFile locked(later);
         ASSERT_TRUE(locked.effective()) << locked.error().toStdString();
         // the open handle would still read and write: refused instead, twice
         for (int attempt = 0; attempt < 2; ++attempt) {
-            try {
-                e->executeBatch("update t_Stock set FName = FName where FItemID = 1");
-                FAIL() << "the station may no longer use the file";
-            } catch (const HostError& error) {
-                EXPECT_EQ(error.number(), HostErrors::Database);
-                EXPECT_TRUE(error.description().contains(m_file)) << error.description().toStdString();
-            }
+            EXPECT_TRUE(errorText([&] { e->executeBatch("update t_Stock set FName = FName where FItemID = 1"); }).contains(later));
             EXPECT_FALSE(e->isOpen());
         }
     }
-    EXPECT_EQ(scalar("SELECT COUNT(*) FROM t_Stock"), 3);
+    EXPECT_EQ(scalar(*e, "SELECT COUNT(*) FROM t_Stock"), 3);
     EXPECT_TRUE(e->isOpen());
 }
 
 TEST_P(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThem)
 {
-    auto rs = engine()->executeBatch("select FItemID as Id, t.FName, t.FBarcode, t.FModel from t_ICItem t "
-                                     "where t.FNumber = '04.004' or t.FNumber = '01.005'");
+    auto e = engine();
+    auto rs = e->executeBatch("select FItemID as Id, t.FName, t.FBarcode, t.FModel from t_ICItem t "
+                              "where t.FNumber = '04.004' or t.FNumber = '01.005'");
     EXPECT_EQ(rs->columns(), QStringList({"Id", "FName", "FBarcode", "FModel"}));
     ASSERT_EQ(rs->RecordCount(), 2);
     std::map<int, std::pair<QVariant, QString>> byId;
@@ -328,46 +268,35 @@ TEST_P(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThem)
         byId[rs->Fields("id").toInt()] = {rs->Fields("FBARCODE"), rs->Fields("FName").toString()};
     // the cap's barcode is NULL, the cable's a real code; NULL stays distinguishable
     EXPECT_TRUE(byId[1023].first.isNull());
-    EXPECT_FALSE(byId[1005].first.isNull());
     EXPECT_EQ(byId[1005].first.toString(), "6931000010055");
     EXPECT_EQ(byId[1023].second, "棒球帽");
 
     // an empty text is not NULL, nor is a NULL made empty
-    rs = engine()->executeBatch("select FBatchNo from IC_Web2ERPOrdersEntry where FEntryID = 1");
-    ASSERT_FALSE(rs->isEOF());
-    EXPECT_FALSE(rs->Fields("FBatchNo").isNull());
+    rs = e->executeBatch("select FBatchNo from IC_Web2ERPOrdersEntry where FEntryID = 1");
     EXPECT_EQ(rs->Fields("FBatchNo").typeId(), QMetaType::QString);
+    EXPECT_FALSE(rs->Fields("FBatchNo").toString().isNull());
     EXPECT_EQ(rs->Fields("FBatchNo").toString(), "");
-    rs = engine()->executeBatch("select ISNULL(FBarcode,'') as B, FBarcode, FItemID * 10000000 as Big, FName "
-                                "from t_ICItem with(nolock) where FItemID = 1023");
-    ASSERT_FALSE(rs->isEOF());
+    rs = e->executeBatch("select ISNULL(FBarcode,'') as B, FBarcode, FItemID * 10000000 as Big "
+                         "from t_ICItem with(nolock) where FItemID = 1023");
     EXPECT_EQ(rs->Fields("B").typeId(), QMetaType::QString);
     EXPECT_EQ(rs->Fields("B").toString(), "");
     EXPECT_TRUE(rs->Fields("FBarcode").isNull());
     // numbers come back as numbers, whole ones of 64 bits
     EXPECT_EQ(rs->Fields("Big").typeId(), QMetaType::LongLong);
     EXPECT_EQ(rs->Fields("Big").toLongLong(), 10230000000LL);
-    EXPECT_EQ(rs->Fields("FName").toString(), "棒球帽");
-    rs = engine()->executeBatch("select COUNT(*) as N, SUM(FQuantity) as Q from IC_Web2ERPOrdersEntry where FID = 1");
+    rs = e->executeBatch("select COUNT(*) as N, SUM(FQuantity) as Q from IC_Web2ERPOrdersEntry where FID = 1");
     EXPECT_EQ(rs->Fields("N").typeId(), QMetaType::LongLong);
     EXPECT_EQ(rs->Fields("N").toInt(), 3);
-    EXPECT_TRUE(rs->Fields("Q").typeId() == QMetaType::LongLong || rs->Fields("Q").typeId() == QMetaType::Double)
-        << rs->Fields("Q").typeName();
     EXPECT_EQ(rs->Fields("Q").toInt(), 4);
     // a first run without rows decides nothing about how later rows read
     const QString serialGoods = "select 1 from IC_Web2ERPOrdersEntry t1 with(nolock) where t1.FItemID ='%1'";
-    EXPECT_TRUE(engine()->executeBatch(serialGoods.arg("9999"))->isEOF());
-    rs = engine()->executeBatch(serialGoods.arg("1031"));
+    EXPECT_TRUE(e->executeBatch(serialGoods.arg("9999"))->isEOF());
+    rs = e->executeBatch(serialGoods.arg("1031"));
     ASSERT_FALSE(rs->isEOF());
     EXPECT_EQ(rs->Fields("1").typeId(), QMetaType::LongLong) << rs->Fields("1").typeName();
 
-    // text compares without regard to case
-    rs = engine()->executeBatch("select FID from IC_Web2ERPOrders where FLogisticsOrder ='sf10001'");
-    ASSERT_FALSE(rs->isEOF());
-    EXPECT_EQ(rs->Fields("FID").toInt(), 1);
-
-    // a statement without rows gives an empty recordset, a SELECT without rows keeps its columns
-    rs = engine()->executeBatch("select FID from IC_Web2ERPOrders where FLogisticsOrder ='NOPE'");
+    // a SELECT without rows keeps its columns
+    rs = e->executeBatch("select FID from IC_Web2ERPOrders where FLogisticsOrder ='NOPE'");
     EXPECT_TRUE(rs->isEOF());
     EXPECT_EQ(rs->columns(), QStringList({"FID"}));
 }
@@ -382,65 +311,56 @@ TEST_P(SqlEngineTest, PreparedStatementsAreReusedWithTheRightRows)
     EXPECT_EQ(prepared, GetParam() == Engine::SqliteOdbc ? 0 : 1);
     auto second = e->executeBatch(shape.arg("6931000010055"));
     auto again = e->executeBatch(shape.arg("6931000010017"));
-    auto none = e->executeBatch(shape.arg("0000000000000"));
     // literals are bound, so one shape is one prepared statement
     EXPECT_EQ(e->preparedCount(), prepared);
-    ASSERT_FALSE(first->isEOF());
-    ASSERT_FALSE(second->isEOF());
-    ASSERT_FALSE(again->isEOF());
     EXPECT_EQ(first->Fields("FItemID").toInt(), 1001);
     EXPECT_EQ(second->Fields("FItemID").toInt(), 1005);
     EXPECT_EQ(again->Fields("FItemID").toInt(), 1001);
-    EXPECT_TRUE(none->isEOF());
+    EXPECT_TRUE(e->executeBatch(shape.arg("0000000000000"))->isEOF());
 
     // a quote inside a literal is a value, never SQL
-    auto quoted = e->executeBatch("select FID from IC_Web2ERPOrders where FLogisticsOrder ='x'' or ''1''=''1'");
-    EXPECT_TRUE(quoted->isEOF());
-    EXPECT_EQ(scalar("SELECT COUNT(*) FROM IC_Web2ERPOrders"), 30);
+    EXPECT_TRUE(e->executeBatch("select FID from IC_Web2ERPOrders where FLogisticsOrder ='x'' or ''1''=''1'")->isEOF());
+    EXPECT_EQ(scalar(*e, "SELECT COUNT(*) FROM IC_Web2ERPOrders"), 30);
 }
 
-TEST_P(SqlEngineTest, BatchesRunAllOrNothing)
+TEST_P(SqlEngineTest, WritesAreAllOrNothing)
 {
     auto e = engine();
-    const qint64 before = scalar("SELECT COUNT(*) FROM IC_Web2ErpOrderSerial");
-    const QString good = " Delete IC_Web2ErpOrderSerial where FEntryID=1\r\n"
+    auto serialsOfEntry1 = [&] {
+        QStringList serials;
+        for (auto rows = e->executeBatch("select FSerialNumber from IC_Web2ErpOrderSerial where FEntryID=1 order by FSerialNumber");
+             !rows->isEOF(); rows->MoveNext())
+            serials << rows->Fields("FSerialNumber").toString();
+        return serials;
+    };
+    // The serial rows batch of a verified order; verified again, its rows are replaced, not doubled.
+    const QString rows = " Delete IC_Web2ErpOrderSerial where FEntryID=1\r\n"
                          " insert IC_Web2ErpOrderSerial (FID,FEntryID,FSerialNumber) values (0,1,'A')\r\n"
-                         " insert IC_Web2ErpOrderSerial (FID,FEntryID,FSerialNumber) values (0,1,'B')";
-    e->executeBatch(good);
-    EXPECT_EQ(scalar("SELECT COUNT(*) FROM IC_Web2ErpOrderSerial"), before + 2);
+                         " insert IC_Web2ErpOrderSerial (FID,FEntryID,FSerialNumber) values (0,1,'%1')";
+    e->executeBatch(rows.arg("B0"));
+    e->executeBatch(rows.arg("B"));
+    EXPECT_EQ(serialsOfEntry1(), QStringList({"A", "B"}));
 
     // the third statement fails: the delete and the first insert go back too
-    const QString bad = " Delete IC_Web2ErpOrderSerial where FEntryID=1\r\n"
+    const QString error = errorText([&] {
+        e->executeBatch(" Delete IC_Web2ErpOrderSerial where FEntryID=1\r\n"
                         " insert IC_Web2ErpOrderSerial (FID,FEntryID,FSerialNumber) values (0,1,'C')\r\n"
-                        " insert IC_Web2ErpOrderSerial (FID,FEntryID,FNoSuchColumn) values (0,1,'D')";
-    try {
-        e->executeBatch(bad);
-        FAIL() << "the batch names a column that does not exist";
-    } catch (const HostError& error) {
-        EXPECT_EQ(error.number(), HostErrors::Database);
-        EXPECT_TRUE(error.description().contains("FNoSuchColumn")) << error.description().toStdString();
-    }
-    auto rows = e->executeBound("SELECT FSerialNumber FROM IC_Web2ErpOrderSerial WHERE FEntryID = 1 ORDER BY FSerialNumber");
-    QStringList serials;
-    for (; !rows->isEOF(); rows->MoveNext())
-        serials << rows->Fields("FSerialNumber").toString();
-    EXPECT_EQ(serials, QStringList({"A", "B"}));
+                        " insert IC_Web2ErpOrderSerial (FID,FEntryID,FNoSuchColumn) values (0,1,'D')");
+    });
+    EXPECT_TRUE(error.contains("FNoSuchColumn")) << error.toStdString();
+    EXPECT_EQ(serialsOfEntry1(), QStringList({"A", "B"}));
 
     // a batch answers the rows of its last statement that has any
-    auto rs = e->executeBatch(" Delete IC_Web2ErpOrderSerial where FEntryID=1\r\n"
-                              "select COUNT(*) AS Left1 from IC_Web2ErpOrderSerial where FEntryID=1");
-    ASSERT_FALSE(rs->isEOF());
-    EXPECT_EQ(rs->Fields("Left1").toInt(), 0);
+    EXPECT_EQ(scalar(*e, " Delete IC_Web2ErpOrderSerial where FEntryID=1\r\n"
+                         "select COUNT(*) AS Left1 from IC_Web2ErpOrderSerial where FEntryID=1"),
+              0);
     EXPECT_TRUE(e->executeBatch(" Delete IC_Web2ErpOrderSerial where FEntryID=2")->columns().isEmpty());
-}
 
-TEST_P(SqlEngineTest, OwnTransactionsNestAndRollBack)
-{
-    auto e = engine();
+    // Own transactions nest: the inner one joins, and all goes back.
     const QString update = "UPDATE t_Stock SET FName = ? WHERE FItemID = ?";
     EXPECT_THROW(e->inTransaction([&] {
         e->executeBound(update, {"甲", 1});
-        e->inTransaction([&] { e->executeBound(update, {"乙", 2}); });   // joins
+        e->inTransaction([&] { e->executeBound(update, {"乙", 2}); });
         throw std::runtime_error("the work fails after two writes");
     }),
                  std::runtime_error);
@@ -452,22 +372,16 @@ TEST_P(SqlEngineTest, OwnTransactionsNestAndRollBack)
     // text goes in and comes back whole, beyond the basic plane too
     const QString wide = QString::fromUtf8("丙仓 \xF0\xA0\x80\x80 \xF0\x9F\x93\xA6");
     e->inTransaction([&] { e->executeBound(update, {wide, 3}); });
-    EXPECT_EQ(e->executeBound("SELECT FName FROM t_Stock WHERE FItemID = ?", {3})->Fields("FName").toString(), wide);
-    auto found = e->executeBatch("select FItemID, LEN(FName) as N from t_Stock with(nolock) where FName ='" + wide + "'");
+    auto found = e->executeBatch("select FItemID, FName, LEN(FName) as N from t_Stock with(nolock) where FName ='" + wide + "'");
     ASSERT_FALSE(found->isEOF());
     EXPECT_EQ(found->Fields("FItemID").toInt(), 3);
+    EXPECT_EQ(found->Fields("FName").toString(), wide);
     EXPECT_EQ(found->Fields("N").toInt(), 6) << "characters, not UTF-16 units or bytes";
 
     // an engine error names the engine's complaint and leaves the engine usable
-    try {
-        e->executeBatch("select * from no_such_table");
-        FAIL();
-    } catch (const HostError& error) {
-        EXPECT_EQ(error.number(), HostErrors::Database);
-        EXPECT_TRUE(error.description().contains("no_such_table")) << error.description().toStdString();
-    }
+    EXPECT_TRUE(errorText([&] { e->executeBatch("select * from no_such_table"); }).contains("no_such_table"));
     EXPECT_TRUE(e->isOpen());
-    EXPECT_EQ(scalar("SELECT COUNT(*) FROM t_Stock"), 3);
+    EXPECT_EQ(scalar(*e, "SELECT COUNT(*) FROM t_Stock"), 3);
     // one engine per connect string
     EXPECT_EQ(e.get(), engine().get());
 }
@@ -476,30 +390,25 @@ TEST_P(SqlEngineTest, TextComparesAsOnTheServerCaseAndTrailingBlanksAside)
 {
     auto db = engine();
     // 'SF10019 ' is stored with a trailing blank; one item's barcode is all blanks.
-    db->executeBound(QStringLiteral("UPDATE IC_Web2ERPOrders SET FLogisticsOrder = ? WHERE FUniqueCode = ?"),
-                     {QStringLiteral("SF10019 "), QStringLiteral("10019")});
-    db->executeBound(QStringLiteral("UPDATE t_ICItem SET FBarcode = ? WHERE FItemID = 1015"), {QStringLiteral("   ")});
-
-    struct Case {
-        const char* sql;
+    db->executeBound("UPDATE IC_Web2ERPOrders SET FLogisticsOrder = ? WHERE FUniqueCode = ?", {"SF10019 ", "10019"});
+    db->executeBound("UPDATE t_ICItem SET FBarcode = ? WHERE FItemID = 1015", {"   "});
+    const struct {
+        const char* where;
         qint64 count;
-    };
-    const Case cases[] = {
-        {"select count(*) from IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='SF10019'", 1},
-        {"select count(*) from IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='sf10019  '", 1},
-        {"select count(*) from IC_Web2ERPOrders with(nolock) where FLogisticsOrder =' SF10019'", 0},
-        {"select count(*) from IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='SF1001'", 0},
-        {"select count(*) from t_ICItem with(nolock) where FItemID = 1015 and FBarcode <> ''", 0},
-        {"select count(*) from t_ICItem with(nolock) where FItemID = 1015 and FBarcode = ''", 1},
-        {"select count(*) from t_ICItem with(nolock) where FItemID = 1016 and FBarcode <> ''", 1},
+    } cases[] = {
+        {"IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='SF10019'", 1},
+        {"IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='sf10019  '", 1},
+        {"IC_Web2ERPOrders with(nolock) where FLogisticsOrder =' SF10019'", 0},
+        {"IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='SF1001'", 0},
+        {"IC_Web2ERPOrders with(nolock) where FLogisticsOrder ='sf10001'", 1},
+        {"t_ICItem with(nolock) where FItemID = 1015 and FBarcode <> ''", 0},
+        {"t_ICItem with(nolock) where FItemID = 1015 and FBarcode = ''", 1},
+        {"t_ICItem with(nolock) where FItemID = 1016 and FBarcode <> ''", 1},
         // Only blanks: a tab is text.
-        {"select count(*) from t_ICItem with(nolock) where FItemID = 1015 and FBarcode = '\t'", 0},
+        {"t_ICItem with(nolock) where FItemID = 1015 and FBarcode = '\t'", 0},
     };
-    for (const Case& c : cases) {
-        const RecordsetPtr rs = db->executeBatch(QString::fromUtf8(c.sql));
-        ASSERT_FALSE(rs->isEOF()) << c.sql;
-        EXPECT_EQ(rs->Fields(rs->columns().first()).toLongLong(), c.count) << c.sql;
-    }
+    for (const auto& c : cases)
+        EXPECT_EQ(scalar(*db, QStringLiteral("select count(*) from ") + QString::fromUtf8(c.where)), c.count) << c.where;
 
     // Still a search of the index, not a scan of the table.
     for (const char* sql : {"EXPLAIN QUERY PLAN SELECT FID FROM IC_Web2ERPOrders WHERE FLogisticsOrder = 'SF10019'",
@@ -507,24 +416,101 @@ TEST_P(SqlEngineTest, TextComparesAsOnTheServerCaseAndTrailingBlanksAside)
                             "EXPLAIN QUERY PLAN SELECT FSerialID FROM ICSerial WHERE FSerialNum = 'W1-0001'"}) {
         QStringList plan;
         for (RecordsetPtr rs = db->executeBound(QString::fromUtf8(sql)); !rs->isEOF(); rs->MoveNext())
-            plan << rs->Fields(QStringLiteral("detail")).toString();
-        EXPECT_TRUE(plan.join('|').contains(QStringLiteral("USING INDEX")) || plan.join('|').contains(QStringLiteral("USING COVERING INDEX")))
-            << sql << ": " << plan.join('|').toStdString();
+            plan << rs->Fields("detail").toString();
+        EXPECT_TRUE(plan.join('|').contains(QRegularExpression("USING (COVERING )?INDEX"))) << sql << ": " << plan.join('|').toStdString();
     }
-}
 
-TEST_P(SqlEngineTest, ADatabaseOfPlainNoCaseColumnsKeepsWorking)
-{
-    const QString file = m_dir.filePath(QStringLiteral("older.db"));
+    // An older database of plain NOCASE columns keeps working.
+    const QString file = m_dir.filePath("older.db");
     {
         QFile f(file);
         ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     }
     auto older = SqlEngine::forConnectString(connect(file));
-    older->executeBound(QStringLiteral("CREATE TABLE t_Barcode (FID INTEGER PRIMARY KEY, FItemID INTEGER, FBarCode TEXT COLLATE NOCASE)"));
-    older->executeBound(QStringLiteral("CREATE INDEX IX_Barcode_BarCode ON t_Barcode (FBarCode)"));
-    older->executeBound(QStringLiteral("INSERT INTO t_Barcode (FItemID, FBarCode) VALUES (1, 'dx-usbc-1m')"));
-    const RecordsetPtr rs = older->executeBatch(QStringLiteral("select FItemID from t_Barcode with(nolock) where FBarCode ='DX-USBC-1M'"));
-    ASSERT_FALSE(rs->isEOF());
-    EXPECT_EQ(rs->Fields(QStringLiteral("FItemID")).toInt(), 1);
+    older->executeBound("CREATE TABLE t_Barcode (FID INTEGER PRIMARY KEY, FItemID INTEGER, FBarCode TEXT COLLATE NOCASE)");
+    older->executeBound("CREATE INDEX IX_Barcode_BarCode ON t_Barcode (FBarCode)");
+    older->executeBound("INSERT INTO t_Barcode (FItemID, FBarCode) VALUES (1, 'dx-usbc-1m')");
+    EXPECT_EQ(scalar(*older, "select FItemID from t_Barcode with(nolock) where FBarCode ='DX-USBC-1M'"), 1);
+}
+
+// The functions of the station's statements answer as on the server.
+TEST_P(SqlEngineTest, TsqlFunctionsAnswerAsOnTheServer)
+{
+    auto e = engine();
+    const struct {
+        const char* tsql;
+        const char* answer;   // nullptr: NULL
+    } cases[] = {
+        {"select Convert(Varchar(10),DateAdd(Day,365,'2024-01-05'),111)", "2025/01/04"},
+        {"select Convert(Varchar(10),DateAdd(Day,1,'2024-02-28 23:10:00'),111)", "2024/02/29"},
+        // The server drops the fraction of the days, toward zero.
+        {"select Convert(Varchar(10),DateAdd(dd,-3.7,'2024-03-01'),111)", "2024/02/27"},
+        {"select DateAdd(d,2.9,'2024-03-01 10:30:00')", "2024-03-03 10:30:00"},
+        {"select convert(varchar(7), '2024-12-31 08:00:00', 111)", "2024/12"},
+        {"select Convert(Varchar(10),DateAdd(Day,NULL,'2024-01-05'),111)", nullptr},
+        {"select Convert(Varchar(10),DateAdd(Day,5,NULL),111)", nullptr},
+        // A DateAdd result compares with dates written the same way.
+        {"select case when DateAdd(Day,1,'2024-01-31') > '2024-01-31 23:59:59' then 1 else 0 end", "1"},
+        {"select Str(0)", "         0"},
+        {"select LTrim(Str(365))", "365"},
+        {"select LTrim(Str('365'))", "365"},
+        {"select Str(2.5)", "         3"},
+        {"select Str(-2.5)", "        -3"},
+        {"select Str(9999999999)", "9999999999"},
+        {"select Str(9999999999.5)", "**********"},
+        {"select Str(-999999999)", "-999999999"},
+        {"select Str(-1000000000)", "**********"},
+        {"select Str(7, 3)", "  7"},
+        {"select Str(1000, 3, 0)", "***"},
+        {"select Str(NULL)", nullptr},
+        // Len does not count trailing blanks, leading ones it does.
+        {"select Len('ab   ')", "2"},
+        {"select Len('  ab')", "4"},
+        {"select Len(N'序列号 ')", "3"},
+        {"select Len('')", "0"},
+        {"select Len(365)", "3"},
+        {"select Len(NULL)", nullptr},
+        {"select RTrim(LTrim('  a b  '))", "a b"},
+        {"select ISNULL(FModel,'') from t_ICItem where FItemID = 1099", nullptr},
+        {"select ISNULL(FBarcode,'-') from t_ICItem with(nolock) where FItemID = 1023", "-"},
+        // TOP limits the SELECT it stands in, over a union too.
+        {"select top 1 x from (select 3 x union all select 5 x union all select 4) a order by x desc", "5"},
+        {"select x from (select top 2 x from (select 3 x union all select 5 union all select 4) b order by x) a order by x desc", "4"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.tsql);
+        const RecordsetPtr rs = e->executeBatch(QString::fromUtf8(c.tsql));
+        const QVariant value = rs->isEOF() ? QVariant() : rs->Fields(rs->columns().first());
+        if (c.answer)
+            EXPECT_EQ(value.toString(), QString::fromUtf8(c.answer));
+        else
+            EXPECT_TRUE(value.isNull()) << value.toString().toStdString();
+    }
+    const QDateTime now = QDateTime::fromString(e->executeBatch("select GETDATE() as D")->Fields("D").toString(), "yyyy-MM-dd HH:mm:ss");
+    ASSERT_TRUE(now.isValid());
+    EXPECT_LE(qAbs(now.secsTo(QDateTime::currentDateTime())), 5);
+}
+
+// The serial lookup exactly as the station sends it, on the demo's serials.
+TEST_P(SqlEngineTest, TheSerialLookupFindsServesAndDatesTheDemoSerials)
+{
+    auto e = engine();
+    auto lookup = [&](const char* serial) { return e->executeBatch(ExpectedSql::serialLookup(QString::fromUtf8(serial))); };
+    auto milk = lookup("MF-0001");
+    ASSERT_EQ(milk->RecordCount(), 1);
+    EXPECT_EQ(milk->Fields("FItemID").toInt(), 1033);
+    EXPECT_EQ(milk->Fields("FBatchNo").toString(), "M2403");
+    EXPECT_EQ(milk->Fields("FKFPeriod").toString(), "720");
+    EXPECT_EQ(milk->Fields("FLimitDate").toString(), "2026/02/19");   // 720 days after 2024-03-01
+    EXPECT_EQ(milk->Fields("FStatus").toString(), "在库");
+    // No shelf life and no date: both empty; found whatever the case of the scan.
+    auto mouse = lookup("ms-0001");
+    ASSERT_EQ(mouse->RecordCount(), 1);
+    EXPECT_EQ(mouse->Fields("FSerialNum").toString(), "MS-0001");
+    EXPECT_EQ(mouse->Fields("FKFPeriod").toString(), "");
+    EXPECT_EQ(mouse->Fields("FLimitDate").toString(), "");
+    EXPECT_TRUE(lookup("SPK-0001")->isEOF());   // serial class 2
+    EXPECT_TRUE(lookup("NO-SUCH")->isEOF());
+    // A serial holding a quote breaks the statement; the error reaches the caller.
+    EXPECT_THROW(lookup("SN'1"), HostError);
 }

@@ -1,9 +1,7 @@
-// The goods list's rules without widgets: counts and marks, the keyed tables,
-// the look-ups, the arrangement of the tiles and the statements.
+// The goods list's counting rules without widgets: counts and marks, the
+// restore of an order taken up again, the look-ups and the tile rows.
 #include "host/host_error.h"
 #include "tiles/goods_list_model.h"
-#include "tiles/goods_view.h"
-#include "support/expected_statements.h"
 #include "tiles_fixture.h"
 #include <limits>
 
@@ -43,8 +41,8 @@ TEST(GoodsListModelCounts, ShortCompleteExcessAndClear)
     EXPECT_EQ(model.GetExcessCnt(0), 0);
     EXPECT_EQ(model.IsPicked(0), 0);
     EXPECT_FALSE(model.tile(0).okShow);
-    EXPECT_FALSE(model.tile(0).warningShow);
 
+    // The only line is also the last one: every scan of it counts.
     for (int i = 0; i < 3; ++i)
         model.PickingGoods(0);
     EXPECT_EQ(model.IsPicked(0), 1);
@@ -52,7 +50,7 @@ TEST(GoodsListModelCounts, ShortCompleteExcessAndClear)
     EXPECT_FALSE(model.tile(0).warningShow);
     // The record is the caller's own line: the count reached it.
     EXPECT_EQ(line.GetValue("GoodsCheckedCnt").toInt(), 3);
-    EXPECT_TRUE(line.GetValue("OkShow").toBool());
+    EXPECT_EQ(line.GetValue("GoodsPickCnt").toInt(), 0);
 
     model.PickingGoods(0);
     EXPECT_EQ(model.IsPicked(0), 2);
@@ -60,21 +58,12 @@ TEST(GoodsListModelCounts, ShortCompleteExcessAndClear)
     EXPECT_TRUE(model.tile(0).warningShow);
     EXPECT_EQ(model.GetPickedCnt(0), 3);
     EXPECT_EQ(model.GetExcessCnt(0), 1);
-    EXPECT_TRUE(line.GetValue("WarningShow").toBool());
 
-    // Clearing leaves the alter mark until somebody evaluates the line again.
+    // A typed quantity clears the line first; the alter mark stays until the
+    // line is evaluated again.
     model.ClearCheckedCnt(0);
-    EXPECT_EQ(model.tile(0).checkedCnt, 0);
     EXPECT_EQ(line.GetValue("GoodsCheckedCnt").toInt(), 0);
-    EXPECT_TRUE(model.tile(0).warningShow);
     EXPECT_EQ(model.IsPicked(0), 0);
-    EXPECT_TRUE(model.tile(0).warningShow);
-
-    // Complete again: OK shown, the old alter mark is left as it was.
-    for (int i = 0; i < 3; ++i)
-        model.PickingGoods(0);
-    EXPECT_EQ(model.IsPicked(0), 1);
-    EXPECT_TRUE(model.tile(0).okShow);
     EXPECT_TRUE(model.tile(0).warningShow);
 }
 
@@ -85,16 +74,10 @@ TEST(GoodsListModelCounts, IndexesOutOfRange)
 
     // One past the last line: nothing happens, queries give 0.
     model.PickingGoods(2);
-    model.ClearCheckedCnt(2);
     EXPECT_EQ(model.GetExcessCnt(2), 0);
-    EXPECT_EQ(model.GetPickedCnt(99), 0);
     EXPECT_EQ(model.tile(0).checkedCnt, 0);
     EXPECT_EQ(model.tile(1).checkedCnt, 1);
-
-    // IsPicked has no bounds test of its own, and no line has a negative index.
-    EXPECT_EQ(errorNumber([&] { model.IsPicked(2); }), 340);
     EXPECT_EQ(errorNumber([&] { model.PickingGoods(-1); }), 340);
-    EXPECT_EQ(errorNumber([&] { model.GetPickedCnt(-1); }), 340);
 
     // A count at the top of the 32-bit range does not wrap round.
     model.setCheckedCnt(0, std::numeric_limits<qint32>::max());
@@ -102,50 +85,13 @@ TEST(GoodsListModelCounts, IndexesOutOfRange)
     EXPECT_EQ(model.tile(0).checkedCnt, std::numeric_limits<qint32>::max());
 }
 
-TEST(GoodsListModelCounts, KeyedTablesRoundTripAndGap)
+TEST(GoodsListModelCounts, RestoresEachLineByIdentityWithMarksAndSerials)
 {
-    GoodsListModel model = modelWith({1, 2, 3, 4});
-    model.setCheckedCnt(0, 1);
-    model.setCheckedCnt(1, 5);
-    model.setCheckedCnt(3, 2);
-
-    GoodsRecord saved;
-    model.GetCheckCnt(saved);
-    EXPECT_EQ(saved.Keys(), QStringList({"0", "1", "2", "3"}));
-    for (int i = 0; i < 4; ++i)
-        model.setCheckedCnt(i, 9);
-    model.SetCheckCnt(saved);
-    EXPECT_EQ(model.tile(0).checkedCnt, 1);
-    EXPECT_EQ(model.tile(1).checkedCnt, 5);
-    EXPECT_EQ(model.tile(2).checkedCnt, 0);
-    EXPECT_EQ(model.tile(3).checkedCnt, 2);
-    EXPECT_EQ(model.record(1).GetValue("GoodsCheckedCnt").toInt(), 5);
-    // The marks are the caller's business after SetCheckCnt.
-    EXPECT_FALSE(model.tile(0).okShow);
-
-    // A gap ends the restore: "3" is never reached.
-    GoodsRecord gap;
-    gap.Add("0", 4);
-    gap.Add("1", 4);
-    gap.Add("3", 4);
-    model.SetCheckCnt(gap);
-    EXPECT_EQ(model.tile(0).checkedCnt, 4);
-    EXPECT_EQ(model.tile(1).checkedCnt, 4);
-    EXPECT_EQ(model.tile(2).checkedCnt, 0);
-    EXPECT_EQ(model.tile(3).checkedCnt, 2);
-
-    // The host's keyed table refuses a key twice; a value that is no number is a type mismatch.
-    GoodsRecord taken;
-    taken.Add("2", 1);
-    EXPECT_EQ(errorNumber([&] { model.GetCheckCnt(taken); }), HostErrors::DuplicateKey);
-    GoodsRecord bad;
-    bad.Add("0", QStringLiteral("abc"));
-    EXPECT_EQ(errorNumber([&] { model.SetCheckCnt(bad); }), HostErrors::TypeMismatch);
-}
-
-TEST(GoodsListModelCounts, NewTableRestoresEachLineByIdentityWithMarksAndSerials)
-{
-    GoodsListModel model = modelWith({2, 2, 2});
+    // The same goods on two entries, and a third goods.
+    GoodsListModel model;
+    model.addGoods(goodsLine(100, 1, QStringLiteral("保温杯"), 2));
+    model.addGoods(goodsLine(100, 2, QStringLiteral("保温杯"), 2));
+    model.addGoods(goodsLine(102, 3, QStringLiteral("洗衣液"), 2));
     model.setCheckedCnt(0, 2);
     model.setCheckedCnt(1, 3);
     model.records().Item(1).SetValue("FSeriNum", ",SN-1,SN-2");
@@ -154,8 +100,9 @@ TEST(GoodsListModelCounts, NewTableRestoresEachLineByIdentityWithMarksAndSerials
 
     // The same order read again, its lines in another order.
     GoodsListModel again;
-    for (int i = 2; i >= 0; --i)
-        again.addGoods(goodsLine(100 + i, i + 1, QStringLiteral("商品%1").arg(i), 2));
+    again.addGoods(goodsLine(102, 3, QStringLiteral("洗衣液"), 2));
+    again.addGoods(goodsLine(100, 2, QStringLiteral("保温杯"), 2));
+    again.addGoods(goodsLine(100, 1, QStringLiteral("保温杯"), 2));
     again.SetCheckCntNew(saved);
     EXPECT_EQ(again.tile(2).checkedCnt, 2);
     EXPECT_TRUE(again.tile(2).okShow);
@@ -164,17 +111,16 @@ TEST(GoodsListModelCounts, NewTableRestoresEachLineByIdentityWithMarksAndSerials
     EXPECT_FALSE(again.tile(1).okShow);
     EXPECT_TRUE(again.tile(1).warningShow);
     EXPECT_EQ(again.records().Item(1).GetValue("FSeriNum").toString(), ",SN-1,SN-2");
-    EXPECT_EQ(again.records().Item(1).GetValue("GoodsCheckedCnt").toInt(), 3);
+    EXPECT_EQ(again.records().Item(2).GetValue("FSeriNum").toString(), "");
     EXPECT_EQ(again.tile(0).checkedCnt, 0);
     EXPECT_FALSE(again.tile(0).okShow);
 
-    // A state taken before a count is not changed by the count.
-    model.PickingGoods(2);
-    again.SetCheckCntNew(saved);
-    EXPECT_EQ(again.tile(0).checkedCnt, 0);
+    // The tiles count on from the restored counts.
+    again.PickingGoods(2);
+    EXPECT_EQ(again.IsPicked(2), 2);
 }
 
-TEST(GoodsListModelLookups, GoodsIndexRules)
+TEST(GoodsListModelLookups, GoodsAndEntryTogether)
 {
     GoodsListModel model;
     model.addGoods(goodsLine(25, 7, "a", 1));
@@ -182,104 +128,35 @@ TEST(GoodsListModelLookups, GoodsIndexRules)
     model.addGoods(goodsLine(25, 9, "c", 1));
 
     EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("   ")), -2);
-    EXPECT_EQ(model.GetGoodsIndex(QString()), -2);
     EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("25")), 0);   // two lines share it: the lower
-    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("31")), 1);
-    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral(" 31")), -1); // compared as given
     EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("99")), -1);
-    EXPECT_TRUE(model.GoodsIDExists(QStringLiteral("31")));
-    EXPECT_FALSE(model.GoodsIDExists(QStringLiteral("3")));
-
     EXPECT_EQ(model.GetGoodsIndexNew(QStringLiteral("25"), 9), 2);
     EXPECT_EQ(model.GetGoodsIndexNew(QStringLiteral("25"), 8), -1);
-    EXPECT_EQ(model.GetGoodsIndexNew(QStringLiteral(" "), 9), -2);
     EXPECT_EQ(model.findLine(31, 8), 1);
     EXPECT_EQ(model.findLine(25, 9), 2);
     EXPECT_EQ(model.findLine(25, 1), -1);
 }
 
-TEST(GoodsListModelLayout, SevenLinesInThreeColumns)
+TEST(GoodsListModelLayout, EveryLineCanBeScrolledIntoView)
 {
+    EXPECT_EQ(modelWith({1, 1, 1}).rowCount(), 1);
+    EXPECT_EQ(modelWith({1, 1, 1, 1}).rowCount(), 2);
     GoodsListModel model = modelWith({1, 1, 1, 1, 1, 1, 1});
     EXPECT_EQ(model.rowCount(), 3);
     model.arrange(4);
-    const int columnPitch = GoodsView::TileWidth + 120;
-    const int rowPitch = GoodsView::TileHeight + 120;
-    // Line 4: row 1, column 1.
-    EXPECT_EQ(model.tile(4).left, columnPitch);
-    EXPECT_EQ(model.tile(4).top, rowPitch);
+    // Line 4: row 1, column 1; the last line alone in row 2.
+    EXPECT_EQ(model.tile(4).left, GoodsListModel::columnPitch());
+    EXPECT_EQ(model.tile(4).top, GoodsListModel::rowPitch());
     EXPECT_EQ(model.tile(6).left, 0);
-    EXPECT_EQ(model.tile(6).top, 2 * rowPitch);
-    EXPECT_EQ(model.selectedIndex(), 4);
-    for (int i = 0; i < 7; ++i)
-        EXPECT_EQ(model.tile(i).selected, i == 4) << i;
+    EXPECT_EQ(model.tile(6).top, 2 * GoodsListModel::rowPitch());
 
-    // One step down is allowed while the top row is below the row count - 2.
+    // With two rows in view, one step down shows the last row.
     ASSERT_TRUE(model.canScrollDown());
-    EXPECT_FALSE(model.canScrollUp());
     model.setTopRow(model.topRow() + 1);
     model.arrange(-1);
-    EXPECT_EQ(model.tile(4).top, 0);
-    EXPECT_EQ(model.tile(1).top, -rowPitch);   // above the top row: out of view
+    EXPECT_EQ(model.tile(6).top, GoodsListModel::rowPitch());
+    EXPECT_EQ(model.tile(1).top, -GoodsListModel::rowPitch());   // above the top row: out of view
     EXPECT_FALSE(model.canScrollDown());
-    EXPECT_TRUE(model.canScrollUp());
-
-    // A negative index selects by the selected goods ID, its first line.
-    model.setSelectedGoodsID(QStringLiteral("102"));
-    model.arrange(-1);
-    EXPECT_EQ(model.selectedIndex(), 2);
-    // A click moves the selection only.
-    model.selectOnly(5);
-    EXPECT_EQ(model.selectedIndex(), 5);
-    EXPECT_EQ(model.tile(5).top, 0);
-}
-
-TEST(GoodsListModelLayout, RowCountsAndBringingIntoView)
-{
-    EXPECT_EQ(modelWith({}).rowCount(), 1);
-    EXPECT_EQ(modelWith({1, 1, 1}).rowCount(), 1);
-    EXPECT_EQ(modelWith({1, 1, 1, 1}).rowCount(), 2);
-    GoodsListModel model = modelWith(std::vector<int>(20, 1));
-    EXPECT_EQ(model.rowCount(), 7);
-
-    model.setTopRow(2);
-    EXPECT_EQ(model.topRowShowing(3, 2), 2);  // already in view
-    EXPECT_EQ(model.topRowShowing(5, 2), 4);  // below: last row of the view
-    EXPECT_EQ(model.topRowShowing(0, 2), 0);  // above: first row of the view
-    EXPECT_EQ(model.topRowShowing(6, 0), 6);  // at least one row is in view
-
-    // Removing a line moves the later ones up one index.
-    model.removeGoods(0);
-    EXPECT_EQ(model.count(), 19);
-    EXPECT_EQ(model.tile(0).goodsId, QStringLiteral("101"));
-    model.removeGoods(19);
-    EXPECT_EQ(model.count(), 19);
-}
-
-TEST(GoodsListModelValues, ToInt32)
-{
-    EXPECT_EQ(GoodsListModel::toInt32(QVariant()), 0);
-    EXPECT_EQ(GoodsListModel::toInt32(QStringLiteral(" 7 ")), 7);
-    EXPECT_EQ(GoodsListModel::toInt32(QVariant::fromValue<qint16>(-3)), -3);
-    EXPECT_EQ(GoodsListModel::toInt32(2.5), 2);    // half to even
-    EXPECT_EQ(GoodsListModel::toInt32(QStringLiteral("3.5")), 4);
-    EXPECT_EQ(GoodsListModel::toInt32(true), -1);
-    EXPECT_EQ(errorNumber([] { GoodsListModel::toInt32(QStringLiteral("12a")); }), HostErrors::TypeMismatch);
-    EXPECT_EQ(errorNumber([] { GoodsListModel::toInt32(3000000000.0); }), HostErrors::Overflow);
-    EXPECT_EQ(errorNumber([] { GoodsListModel::toInt32(QVariant::fromValue<qint64>(-3000000000LL)); }), HostErrors::Overflow);
-}
-
-TEST(GoodsListModelStatements, WebOrderAndBarCode)
-{
-    EXPECT_EQ(GoodsListModel::webOrderGoodsSql(QStringLiteral("2024")), ExpectedSql::tileGoods(QStringLiteral("2024"), true));
-    EXPECT_EQ(GoodsListModel::webOrderGoodsSql(QStringLiteral("SF1")), ExpectedSql::tileGoods(QStringLiteral("SF1"), false));
-    // No table hints, and one line break only.
-    const QString sql = GoodsListModel::webOrderGoodsSql(QStringLiteral("1"));
-    EXPECT_FALSE(sql.contains(QStringLiteral("nolock"), Qt::CaseInsensitive));
-    EXPECT_EQ(sql.count(QStringLiteral("\r\n")), 1);
-    EXPECT_TRUE(GoodsListModel::webOrderEntryGoodsSql(QStringLiteral("1")).startsWith(
-        QStringLiteral("Select t1.FItemID,t1.FEntryID,t3.FName as FItemName,t1.FQuantity FQuantity,t4.FID as FPicID  ")));
-
-    EXPECT_EQ(GoodsListModel::goodsIndexByBarCodeSql(QStringLiteral("690123")),
-              ExpectedSql::tileGoodsIndexByBarCode(QStringLiteral("690123")));
+    EXPECT_EQ(model.topRowShowing(2, 2), 1);
+    EXPECT_EQ(model.topRowShowing(0, 2), 0);
 }

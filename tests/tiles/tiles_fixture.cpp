@@ -56,10 +56,8 @@ GoodsRecord goodsLine(const QVariant& goodsId, const QVariant& entryId, const QS
     return line;
 }
 
-RecordsetPtr FakeGetData::ExecuteSQL(const QString& p, const QString& sql)
+RecordsetPtr FakeGetData::ExecuteSQL(const QString&, const QString& sql)
 {
-    props << p;
-    statements << sql;
     if (answer)
         return answer(sql);
     return std::make_shared<Recordset>();
@@ -105,8 +103,7 @@ TileEnvironment::~TileEnvironment()
     TilePictures::clearCache();
 }
 
-QString TileEnvironment::folder() const { return m_dir.path() + QLatin1Char('/'); }
-QString TileEnvironment::path(const QString& name) const { return folder() + name; }
+QString TileEnvironment::path(const QString& name) const { return m_dir.path() + QLatin1Char('/') + name; }
 QString TileEnvironment::defaultPicture() const { return path(QStringLiteral("images/default.jpg")); }
 
 void TileEnvironment::loadOrderSet(const std::vector<Row>& rows)

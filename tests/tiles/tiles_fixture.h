@@ -8,8 +8,6 @@
 #include "support/host_doubles.h"
 #include "support/qt_print.h"
 #include <QColor>
-#include <QPoint>
-#include <QRect>
 #include <QImage>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -21,11 +19,6 @@
 
 // Readable values in failure messages.
 inline void PrintTo(const QStringList& l, std::ostream* os) { *os << l.join(QStringLiteral(" | ")).toStdString(); }
-inline void PrintTo(const QRect& r, std::ostream* os)
-{
-    *os << "(" << r.x() << "," << r.y() << " " << r.width() << "x" << r.height() << ")";
-}
-inline void PrintTo(const QPoint& p, std::ostream* os) { *os << "(" << p.x() << "," << p.y() << ")"; }
 inline void PrintTo(const QColor& c, std::ostream* os) { *os << c.name().toStdString(); }
 
 namespace TilesTest {
@@ -43,12 +36,10 @@ bool shows(const QPixmap& pixmap, const QColor& colour);
 GoodsRecord goodsLine(const QVariant& goodsId, const QVariant& entryId, const QString& name, int ordered,
                       const QString& picture = QString());
 
-// The middle tier: answers every statement with `answer(sql)` and keeps the statements.
+// The middle tier: answers every statement with `answer(sql)`.
 class FakeGetData : public IGetData {
 public:
     std::function<RecordsetPtr(const QString& sql)> answer;
-    QStringList statements;
-    QStringList props;
     RecordsetPtr ExecuteSQL(const QString& p, const QString& sql) override;
     std::optional<GoodsRecord> CheckReturnBills(const GoodsRecord&) override { return std::nullopt; }
 };
@@ -71,7 +62,6 @@ class TileEnvironment {
 public:
     TileEnvironment();
     ~TileEnvironment();
-    QString folder() const;                 // with a trailing '/'
     QString path(const QString& name) const;
     QString defaultPicture() const;
 
