@@ -1,3 +1,6 @@
+// The host's value objects: records whose keys match in any case and whose
+// version sees every write, lists, recordsets, the object factory, the
+// numeric test and the property string.
 #include "host/goods_record.h"
 #include "host/host_error.h"
 #include "host/object_factory.h"
@@ -7,43 +10,75 @@
 #include "host/recordset.h"
 #include <gtest/gtest.h>
 
-TEST(GoodsRecord, KeysAreCaseInsensitiveOrderedAndShared)
+TEST(GoodsRecord, KeysMatchInAnyCaseCopiesShareAndEveryWriteRaisesTheVersion)
 {
     GoodsRecord r;
+    const quint64 start = r.version();
     r.SetValue("bSuccess", true);
     r.SetValue("log", "A");
-    r.SetValue("BSUCCESS", false);     // same key: replaced in place
+    // the log pane reads "bsuccess", the form wrote "bSuccess": one entry
+    r.SetValue("BSUCCESS", false);
     EXPECT_EQ(r.Count(), 2);
-    EXPECT_EQ(r.KeyAt(0), "bSuccess");
-    EXPECT_FALSE(r.GetValue("bsuccess").toBool());
+    EXPECT_EQ(r.KeyAt(0), "bSuccess") << "the key keeps the spelling it was added with";
+    EXPECT_FALSE(r.GetValue("bsuccess", true).toBool());
     EXPECT_EQ(r.GetValue("missing", 7).toInt(), 7);
     EXPECT_THROW(r.Item("missing"), HostError);
-    EXPECT_THROW(r.Add("LOG", 1), HostError);
+    const quint64 afterWrites = r.version();
+    EXPECT_GT(afterWrites, start);
+    EXPECT_TRUE(r.Exists("LOG"));
+    EXPECT_EQ(r.Item("Log").toString(), "A");
+    EXPECT_EQ(r.version(), afterWrites) << "reads leave the version alone";
 
-    GoodsRecord alias = r;             // a handle, not a copy
+    // Writing the value it already has is still a write; a refused Add and
+    // removing nothing are none.
+    r.SetValue("log", "A");
+    quint64 v = r.version();
+    EXPECT_GT(v, afterWrites);
+    EXPECT_THROW(r.Add("LOG", 1), HostError);
+    r.Remove("NoSuchKey");
+    EXPECT_EQ(r.version(), v);
+    r.Remove("bsuccess");
+    EXPECT_GT(r.version(), v);
+
+    // A copy is a handle on the same record; a clone another one.
+    GoodsRecord alias = r;
     alias.SetValue("log", "B");
     EXPECT_EQ(r.GetValue("log").toString(), "B");
-    GoodsRecord copy = r.clone();
-    copy.SetValue("log", "C");
+    EXPECT_EQ(alias.identity(), r.identity());
+    EXPECT_EQ(alias.version(), r.version());
+    GoodsRecord clone = r.clone();
+    clone.SetValue("log", "C");
+    EXPECT_NE(clone.identity(), r.identity());
     EXPECT_EQ(r.GetValue("log").toString(), "B");
+    v = r.version();
+    r.Clear();
+    EXPECT_GT(r.version(), v);
 
     EXPECT_THROW(GoodsRecord::none().GetValue("x"), HostError);
+    EXPECT_EQ(GoodsRecord::none().identity(), nullptr);
+    EXPECT_EQ(GoodsRecord::none().version(), 0u);
 }
 
 TEST(RecordList, BoundsInsertRemove)
 {
+    auto record = [](int n) {
+        GoodsRecord r;
+        r.SetValue("n", n);
+        return r;
+    };
     RecordList list;
     EXPECT_EQ(list.LowerBound(), 0);
     EXPECT_EQ(list.UpperBound(), -1);
-    GoodsRecord a, b, c;
-    a.SetValue("n", 1); b.SetValue("n", 2); c.SetValue("n", 3);
-    list.Add(a); list.Add(c); list.Insert(1, b);
+    list.Insert(0, record(1));   // at the end of an empty list, as the session log's first entry
+    list.Insert(1, record(3));   // at the end again
+    list.Insert(1, record(2));
     ASSERT_EQ(list.UpperBound(), 2);
     EXPECT_EQ(list.Item(1).GetValue("n").toInt(), 2);
+    EXPECT_EQ(list.Item(2).GetValue("n").toInt(), 3);
     list.Remove(0);
     EXPECT_EQ(list.Item(0).GetValue("n").toInt(), 2);
     EXPECT_THROW(list.Item(5), HostError);
-    EXPECT_THROW(list.Insert(9, a), HostError);
+    EXPECT_THROW(list.Insert(3, record(9)), HostError);
     list.Clear();
     EXPECT_EQ(list.UpperBound(), -1);
 }
@@ -85,16 +120,13 @@ TEST(ObjectFactory, UnknownProgIdRegisterAndRestore)
     EXPECT_THROW(CreateServerObjectAs<IGetData>(ProgIds::ShareProps), HostError);
 }
 
-TEST(Platform, NumericTestAcceptsWhatTheRuntimeAccepts)
+TEST(Platform, NumericTestAndComponentPaths)
 {
     for (const char* yes : {"1", " 12 ", "-3", "+4.5", ".5", "5.", "1e3", "1E-3", "2d2", "\t7\t", "0000123"})
         EXPECT_TRUE(IsNumeric(QString::fromUtf8(yes))) << yes;
     for (const char* no : {"", "   ", "A12", "12A", "1.2.3", "e3", "1e", "+", "-", ".", "1,000", "&H10", "１２"})
         EXPECT_FALSE(IsNumeric(QString::fromUtf8(no))) << no;
-}
 
-TEST(Platform, ComponentPathsUseTheComponentFolder)
-{
     SetComponentFolder("/opt/station");
     EXPECT_EQ(ComponentPath("\\voice\\Error.wav"), "/opt/station/voice/Error.wav");
     EXPECT_EQ(ComponentPath("\\images\\default.jpg"), "/opt/station/images/default.jpg");
@@ -102,7 +134,7 @@ TEST(Platform, ComponentPathsUseTheComponentFolder)
     EXPECT_TRUE(ComponentFolder().endsWith('/'));
 }
 
-TEST(PropsText, GrammarOfThePropertyString)
+TEST(PropsText, GrammarOfThePropertyStringAndItsPasswordsMasked)
 {
     auto p = SplitPropsText("A = 1 ; B={x;y=z} ; C");
     ASSERT_EQ(p.size(), 3);
@@ -112,4 +144,18 @@ TEST(PropsText, GrammarOfThePropertyString)
     EXPECT_TRUE(SplitPropsText("").isEmpty());
     EXPECT_EQ(SplitPropsText("A=1;A=2;").size(), 2);   // duplicates are the caller's affair
     EXPECT_TRUE(SplitPropsText("=5;B=1").isEmpty());   // an empty key ends the reading
+
+    // What error boxes and replay output may show of a connect string.
+    const struct {
+        const char* text;
+        const char* masked;
+    } cases[] = {
+        {"UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=s3cret};",
+         "UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=***};"},
+        {"Driver=SQLite3;Database=/a.db;PWD = s3cret;UID=sa", "Driver=SQLite3;Database=/a.db;PWD = ***;UID=sa"},
+        {"Server=s;pwd={se;c}}ret};Trusted=no", "Server=s;pwd=***;Trusted=no"},
+        {"Data Source=/a.db", "Data Source=/a.db"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(MaskPasswords(QString::fromUtf8(c.text)), QString::fromUtf8(c.masked)) << c.text;
 }

@@ -40,6 +40,10 @@ QStringList describe(const RecordList& list)
     return out;
 }
 
+// Another user on the same database, the same user on another database.
+const QString kOtherUser = QStringLiteral("UserID=8;ConnectString={Provider=SQLite;Data Source=/srv/a.db};");
+const QString kOtherDatabase = QStringLiteral("UserID=7;ConnectString={Provider=SQLite;Data Source=/srv/b.db};");
+
 class SessionJournalTest : public ::testing::Test {
 protected:
     void SetUp() override
@@ -117,8 +121,8 @@ TEST_F(SessionJournalTest, WhatWasCommittedLastIsReadBackWhole)
     EXPECT_EQ(restarted.sessionLog.Count(), 0);
 
     // Another user or another database has a journal of its own.
-    EXPECT_FALSE(m_journal->Exists(QStringLiteral("UserID=8;ConnectString={Provider=SQLite;Data Source=/srv/a.db};")));
-    EXPECT_FALSE(m_journal->Exists(QStringLiteral("UserID=7;ConnectString={Provider=SQLite;Data Source=/srv/b.db};")));
+    EXPECT_FALSE(m_journal->Exists(kOtherUser));
+    EXPECT_FALSE(m_journal->Exists(kOtherDatabase));
     m_journal->Start(m_props, state);
     m_journal->Remove();
     EXPECT_FALSE(m_journal->Exists(m_props));
@@ -153,10 +157,8 @@ TEST_F(SessionJournalTest, OneStationAtATimeHoldsTheJournalOfAUserAndDatabase)
     auto second = CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal);
     EXPECT_FALSE(second->Claim(m_props));
     // Another user, or another database, has a journal of its own.
-    EXPECT_TRUE(CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal)
-                    ->Claim(QStringLiteral("UserID=8;ConnectString={Provider=SQLite;Data Source=/srv/a.db};")));
-    EXPECT_TRUE(CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal)
-                    ->Claim(QStringLiteral("UserID=7;ConnectString={Provider=SQLite;Data Source=/srv/b.db};")));
+    for (const QString& other : {kOtherUser, kOtherDatabase})
+        EXPECT_TRUE(CreateServerObjectAs<ISessionJournal>(ProgIds::SessionJournal)->Claim(other));
     m_journal->Start(m_props, JournalState{});
     m_journal->Remove();   // a clean close lets the next station take it
     EXPECT_TRUE(second->Claim(m_props));

@@ -10,9 +10,8 @@ struct HostFaultInjector::State {
     QSet<QString> armed;            // "key#number"
     QHash<QString, int> creations;  // per ProgID
     QSet<QString> armedCreations;   // "progId#number"
-    std::function<void(const HostCall&)> beforeCall;
 
-    // Counts the call, fails it when armed, else lets the test look first.
+    // Counts the call and fails it when armed.
     void enter(const QString& key, const QString& detail)
     {
         const int number = ++counts[key];
@@ -24,8 +23,6 @@ struct HostFaultInjector::State {
             throw HostError(FaultNumber, QStringLiteral("%1: %2").arg(FaultMarker, tag));
         }
         calls.append(call);
-        if (beforeCall)
-            beforeCall(call);
     }
 };
 
@@ -35,9 +32,21 @@ using StatePtr = std::shared_ptr<HostFaultInjector::State>;
 
 QString op(const QString& progId, const char* operation) { return HostFaultInjector::key(progId, operation); }
 
-class SharePropsWrapper : public IShareProps {
+// A wrapper keeps the real object and the shared state; each call is counted
+// (and maybe failed) before it is handed on.
+template <class Interface>
+class Wrapped : public Interface {
 public:
-    SharePropsWrapper(std::shared_ptr<IShareProps> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    Wrapped(std::shared_ptr<Interface> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+
+protected:
+    std::shared_ptr<Interface> m_inner;
+    StatePtr m_s;
+};
+
+class SharePropsWrapper : public Wrapped<IShareProps> {
+public:
+    using Wrapped::Wrapped;
     QVariant GetProperty(qint64 processId, const QString& name) override
     {
         m_s->enter(op(ProgIds::ShareProps, "GetProperty"), name);
@@ -47,15 +56,11 @@ public:
     {
         m_inner->SetProperty(processId, name, value);
     }
-
-private:
-    std::shared_ptr<IShareProps> m_inner;
-    StatePtr m_s;
 };
 
-class GetDataWrapper : public IGetData {
+class GetDataWrapper : public Wrapped<IGetData> {
 public:
-    GetDataWrapper(std::shared_ptr<IGetData> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Wrapped::Wrapped;
     RecordsetPtr ExecuteSQL(const QString& props, const QString& sql) override
     {
         m_s->enter(op(ProgIds::GetData, "ExecuteSQL"), sql);
@@ -67,15 +72,11 @@ public:
                    record.isNone() ? QString() : record.GetValue(QStringLiteral("FID")).toString());
         return m_inner->CheckReturnBills(record);
     }
-
-private:
-    std::shared_ptr<IGetData> m_inner;
-    StatePtr m_s;
 };
 
-class SaveDataWrapper : public ISaveData {
+class SaveDataWrapper : public Wrapped<ISaveData> {
 public:
-    SaveDataWrapper(std::shared_ptr<ISaveData> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Wrapped::Wrapped;
     void SavePickingGoods(const GoodsRecord& record) override
     {
         m_s->enter(op(ProgIds::SaveData, "SavePickingGoods"),
@@ -89,29 +90,21 @@ public:
         m_s->enter(op(ProgIds::SaveData, "UpdateDeliveryData"), QString::number(fid));
         m_inner->UpdateDeliveryData(props, fid);
     }
-
-private:
-    std::shared_ptr<ISaveData> m_inner;
-    StatePtr m_s;
 };
 
-class WebOrderInfoWrapper : public IWebOrderInfo {
+class WebOrderInfoWrapper : public Wrapped<IWebOrderInfo> {
 public:
-    WebOrderInfoWrapper(std::shared_ptr<IWebOrderInfo> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Wrapped::Wrapped;
     std::optional<GoodsRecord> GetSingleSQLData(const QString& props, const QString& sql) override
     {
         m_s->enter(op(ProgIds::WebOrderInfo, "GetSingleSQLData"), sql);
         return m_inner->GetSingleSQLData(props, sql);
     }
-
-private:
-    std::shared_ptr<IWebOrderInfo> m_inner;
-    StatePtr m_s;
 };
 
-class UserProfileWrapper : public IUserProfile {
+class UserProfileWrapper : public Wrapped<IUserProfile> {
 public:
-    UserProfileWrapper(std::shared_ptr<IUserProfile> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Wrapped::Wrapped;
     GoodsRecord LoadUserProfile(const QString& props, const QString& category, const QString& key) override
     {
         m_s->enter(op(ProgIds::UserProfile, "LoadUserProfile"), key);
@@ -122,57 +115,41 @@ public:
         m_s->enter(op(ProgIds::UserProfile, "SaveUserProfile"), key);
         m_inner->SaveUserProfile(props, category, key, record);
     }
-
-private:
-    std::shared_ptr<IUserProfile> m_inner;
-    StatePtr m_s;
 };
 
-class AccessoryViewWrapper : public IAccessoryView {
+class AccessoryViewWrapper : public Wrapped<IAccessoryView> {
 public:
-    AccessoryViewWrapper(std::shared_ptr<IAccessoryView> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Wrapped::Wrapped;
     QByteArray GetID(const QString& props, int attachmentId) override
     {
         m_s->enter(op(ProgIds::AccessoryView, "GetID"), QString::number(attachmentId));
         return m_inner->GetID(props, attachmentId);
     }
-
-private:
-    std::shared_ptr<IAccessoryView> m_inner;
-    StatePtr m_s;
 };
 
-class ZipWrapper : public IZip {
+class ZipWrapper : public Wrapped<IZip> {
 public:
-    ZipWrapper(std::shared_ptr<IZip> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Wrapped::Wrapped;
     void DeCompress(const QString& sourcePath, const QString& targetPath) override
     {
         m_s->enter(op(ProgIds::Zip, "DeCompress"), targetPath.section(QLatin1Char('/'), -1));
         m_inner->DeCompress(sourcePath, targetPath);
     }
-
-private:
-    std::shared_ptr<IZip> m_inner;
-    StatePtr m_s;
 };
 
-class SoundWrapper : public ISound {
+class SoundWrapper : public Wrapped<ISound> {
 public:
-    SoundWrapper(std::shared_ptr<ISound> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Wrapped::Wrapped;
     void Play(const QString& fileName) override
     {
         m_s->enter(op(ProgIds::Sound, "Play"), fileName);
         m_inner->Play(fileName);
     }
-
-private:
-    std::shared_ptr<ISound> m_inner;
-    StatePtr m_s;
 };
 
-class ResLoaderWrapper : public IResLoader {
+class ResLoaderWrapper : public Wrapped<IResLoader> {
 public:
-    ResLoaderWrapper(std::shared_ptr<IResLoader> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Wrapped::Wrapped;
     void setResDirectory(const QString& dir) override { m_inner->setResDirectory(dir); }
     void setResFileBaseName(const QString& name) override { m_inner->setResFileBaseName(name); }
     void setLanguageID(const QString& code) override { m_inner->setLanguageID(code); }
@@ -181,24 +158,16 @@ public:
         m_s->enter(op(ProgIds::ResLoader, "LoadString"), key);
         return m_inner->LoadString(key);
     }
-
-private:
-    std::shared_ptr<IResLoader> m_inner;
-    StatePtr m_s;
 };
 
-class FrmResLoaderWrapper : public IFrmResLoader {
+class FrmResLoaderWrapper : public Wrapped<IFrmResLoader> {
 public:
-    FrmResLoaderWrapper(std::shared_ptr<IFrmResLoader> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Wrapped::Wrapped;
     QString SetFrmFont(QWidget* form, const QString& languageCode, bool& flag) override
     {
         m_s->enter(op(ProgIds::FrmResLoader, "SetFrmFont"), languageCode);
         return m_inner->SetFrmFont(form, languageCode, flag);
     }
-
-private:
-    std::shared_ptr<IFrmResLoader> m_inner;
-    StatePtr m_s;
 };
 
 template <class Interface, class Wrapper>
@@ -269,18 +238,7 @@ void HostFaultInjector::disarm()
     m_state->armedCreations.clear();
 }
 
-void HostFaultInjector::setBeforeCall(std::function<void(const HostCall&)> hook) { m_state->beforeCall = std::move(hook); }
-
 QList<HostCall> HostFaultInjector::calls() const { return m_state->calls; }
-
-QList<HostCall> HostFaultInjector::callsOf(const QString& keySuffix) const
-{
-    QList<HostCall> found;
-    for (const HostCall& c : m_state->calls)
-        if (c.key.endsWith(keySuffix))
-            found << c;
-    return found;
-}
 
 int HostFaultInjector::count(const QString& key) const { return m_state->counts.value(key); }
 

@@ -11,7 +11,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-#include <functional>
 #include <memory>
 
 struct HostCall {
@@ -41,13 +40,9 @@ public:
     // Creating the object of a ProgID fails for the number-th creation.
     void armCreation(const QString& progId, int number);
     void disarm();
-    // Runs before a call reaches the real object (not for failing calls): a
-    // test may change the database under the call, or look at it.
-    void setBeforeCall(std::function<void(const HostCall&)> hook);
 
     // Calls so far (counted also while nothing is armed), and a reset of them.
     QList<HostCall> calls() const;
-    QList<HostCall> callsOf(const QString& keySuffix) const;
     int count(const QString& key) const;
     QList<HostCall> failures() const;
     void resetCounts();

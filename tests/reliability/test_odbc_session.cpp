@@ -1,10 +1,9 @@
 // A whole station session through the production engine's path (QODBC,
 // unixODBC, the SQLite ODBC driver) gives exactly what the embedded engine
 // gives: the same screens after every step, the same rows written, the same
-// calls to the middle tier, and every statement the station sent reads the
-// same columns, values and kinds of value through both.
+// calls to the middle tier. (That a serial batch is one transaction on both
+// engines: OdbcOutageTest.)
 #include "reliability/engine_station.h"
-#include "sql/sql_statement_trace.h"
 #include <QRegularExpression>
 
 namespace {
@@ -16,25 +15,6 @@ QString valueText(const QVariant& value)
     return value.toString() + QLatin1Char('<') + QLatin1String(value.typeName()) + QLatin1Char('>');
 }
 
-// A recordset in full: columns, then each row's values with their kinds.
-QStringList recordsetText(const RecordsetPtr& rs)
-{
-    QStringList text{rs->columns().join(QLatin1Char('|'))};
-    for (; !rs->isEOF(); rs->MoveNext()) {
-        QStringList row;
-        for (const QString& column : rs->columns())
-            row << valueText(rs->Fields(column));
-        text << row.join(QLatin1Char('|'));
-    }
-    return text;
-}
-
-bool isWrite(const QString& sql)
-{
-    static const QRegularExpression verbs(QStringLiteral("\\b(insert|update|delete)\\b"), QRegularExpression::CaseInsensitiveOption);
-    return sql.contains(verbs);
-}
-
 } // namespace
 
 class OdbcSessionTest : public EngineStationTest {
@@ -43,7 +23,6 @@ protected:
         QStringList screens;                        // one per step
         QStringList database;                       // what the session left in the tables it writes
         QList<HostCall> calls;                      // every call to a host object
-        std::vector<SqlTraceStatement> serialPass;  // what the database ran at the serial order's pass
         QString firstGoodsName;                     // of the first order, as loaded
         QString firstGoodsNameOnFile;
     };
@@ -134,12 +113,8 @@ protected:
         // a serial order: its rows in one batch
         step(QStringLiteral("serial mode"), [&] { click(controls(f).chkHaveSerial); });
         step(QStringLiteral("order 10021"), [&] { scan(controls(f).TxtID, QStringLiteral("10021")); });
-        for (const QString& serial : {QStringLiteral("W1-0001"), QStringLiteral("W1-0002")})
+        for (const QString& serial : {QStringLiteral("W1-0001"), QStringLiteral("W1-0002"), QStringLiteral("PAD-0001")})
             step(serial, [&] { scan(controls(f).TxtItemID, serial); });
-        SqlStatementTrace::setCapturing(true);
-        step(QStringLiteral("PAD-0001"), [&] { scan(controls(f).TxtItemID, QStringLiteral("PAD-0001")); });
-        SqlStatementTrace::setCapturing(false);
-        session.serialPass = SqlStatementTrace::takeCaptured();
         // re-pick: the rows are replaced, not added to
         step(QStringLiteral("re-pick"), [&] { click(controls(f).CmdBtnRePick); });
         for (const QString& serial : {QStringLiteral("W1-0003"), QStringLiteral("W1-0001"), QStringLiteral("PAD-0002")})
@@ -211,48 +186,10 @@ TEST_F(OdbcSessionTest, AWholeSessionThroughOdbcGivesWhatTheEmbeddedEngineGives)
     EXPECT_TRUE(reopened.contains(QStringLiteral("\nview=grid\n"))) << reopened.toStdString();
     EXPECT_TRUE(reopened.contains(QStringLiteral("\noptions=002\n"))) << reopened.toStdString();
 
-    // The serial rows of the pass went in one transaction on both engines.
-    for (const auto* run : {&embedded, &odbc}) {
-        const auto& ran = run->serialPass;
-        std::vector<int> serialStatements;
-        for (int i = 0; i < int(ran.size()); ++i)
-            if (ran[size_t(i)].sql.contains(QStringLiteral("IC_Web2ErpOrderSerial"), Qt::CaseInsensitive))
-                serialStatements.push_back(i);
-        ASSERT_EQ(serialStatements.size(), 5u) << "two deletes and three inserts";
-        const int first = serialStatements.front(), last = serialStatements.back();
-        EXPECT_EQ(last - first, 4) << "nothing else ran among them";
-        ASSERT_GT(first, 0);
-        ASSERT_LT(last + 1, int(ran.size()));
-        EXPECT_TRUE(ran[size_t(first - 1)].sql.startsWith(QStringLiteral("BEGIN"))) << ran[size_t(first - 1)].sql.toStdString();
-        EXPECT_EQ(ran[size_t(last + 1)].sql, QStringLiteral("COMMIT"));
-    }
-
     // The station asked the middle tier the same things in the same order.
     ASSERT_EQ(odbc.calls.size(), embedded.calls.size());
     for (int i = 0; i < embedded.calls.size(); ++i) {
         EXPECT_EQ(odbc.calls[i].key, embedded.calls[i].key) << "call " << i;
         EXPECT_EQ(odbc.calls[i].detail, embedded.calls[i].detail) << "call " << i;
     }
-
-    // Each statement the station read with, once more on two fresh copies:
-    // the same columns, values and kinds of value through both engines.
-    QStringList reads;
-    for (const HostCall& call : embedded.calls)
-        if ((call.key.endsWith(QStringLiteral(".ExecuteSQL")) || call.key.endsWith(QStringLiteral(".GetSingleSQLData")))
-            && !isWrite(call.detail) && !reads.contains(call.detail))
-            reads << call.detail;
-    ASSERT_GE(reads.size(), 10);
-    const QString embeddedCopy = m_dir.filePath(QStringLiteral("reads-embedded.db"));
-    const QString odbcCopy = m_dir.filePath(QStringLiteral("reads-odbc.db"));
-    ASSERT_TRUE(QFile::copy(pristineDemo(), embeddedCopy));
-    ASSERT_TRUE(QFile::copy(pristineDemo(), odbcCopy));
-    auto viaEmbedded = SqlEngine::forConnectString(QStringLiteral("Provider=SQLite;Data Source=") + embeddedCopy);
-    auto viaOdbc = SqlEngine::forConnectString(SqliteOdbcConnect(odbcCopy));
-    int rows = 0;
-    for (const QString& sql : reads) {
-        const QStringList expected = recordsetText(viaEmbedded->executeBatch(sql));
-        rows += int(expected.size()) - 1;
-        EXPECT_EQ(recordsetText(viaOdbc->executeBatch(sql)), expected) << sql.toStdString();
-    }
-    EXPECT_GT(rows, reads.size()) << "the statements read rows";
 }
