@@ -26,14 +26,16 @@ run: build
 test: deps
 	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DRNW_SANITIZE=ON -DRNW_TESTS=ON -DRNW_WERROR=ON >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS)
-	cd $(TEST_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j 1
+	cd $(TEST_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
 	$(MAKE) --no-print-directory fuzz
 
-# The speed of the station on generated orders (Release build), as a table and JSON.
+# The speed of the station on generated orders (Release build), as a table and
+# JSON, then the soak.
 bench: deps
 	cmake -S . -B $(RELEASE_DIR) -DCMAKE_BUILD_TYPE=Release -DRNW_TESTS=OFF >/dev/null
 	cmake --build $(RELEASE_DIR) -j $(JOBS) --target rnw_bench
 	QT_QPA_PLATFORM=offscreen $(RELEASE_DIR)/bin/rnw_bench $(BENCH_ARGS)
+	$(MAKE) --no-print-directory soak
 
 # Ten thousand scans in one session (Release): memory and file handles
 # before and after. RNW_RELIABILITY_SCANS sets the count.
