@@ -1,3 +1,5 @@
+// The picking log pane: newest first from two entries on, the only-errors
+// filter, scrolling, the red mark and the saved file.
 #include "log/log_list.h"
 #include "host/object_factory.h"
 #include "host/platform.h"
@@ -74,6 +76,10 @@ TEST_F(LogListTest, LoadShowsNewestFirstFromTwoEntriesOn)
     EXPECT_TRUE(pane->allRowTexts().isEmpty());
     pane->LoadLogList(RecordList::none());
     EXPECT_EQ(pane->shownCount(), 0);
+    // Entries that are none or have an empty text are no rows.
+    pane->AddLog(GoodsRecord::none());
+    pane->AddLog(entry(QString(), false));
+    EXPECT_EQ(pane->shownCount(), 0);
 
     pane->LoadLogList(entries({{"SF1001通过", true}, {"SF1002异常, 缺少1件", false}}));
     EXPECT_EQ(pane->allRowTexts(), (QStringList{"SF1002异常, 缺少1件", "SF1001通过"}));
@@ -118,6 +124,13 @@ TEST_F(LogListTest, RowsAreAFixedPoolWithOnlyTheFirstMarkInRed)
     EXPECT_TRUE(html.contains("&lt;b&gt;异常&lt;/b&gt;"));   // the entry's own text is never markup
     pane->AddLog(entry("SF9通过", true));
     EXPECT_FALSE(pane->rowHtml(3000).contains("ff0000"));
+
+    // The mark is searched within the length of the text trimmed of blanks:
+    // leading blanks leave a mark at the very end black.
+    EXPECT_EQ(LogListModel::redMarkPos("异常 A 异常"), 0);
+    EXPECT_EQ(LogListModel::redMarkPos(""), -1);
+    EXPECT_EQ(LogListModel::redMarkPos("  ab异常"), -1);
+    EXPECT_EQ(LogListModel::redMarkPos("ab异常  "), 2);
 }
 
 TEST_F(LogListTest, ScrollButtonsStopAtTheLastPageAndClearKeepsThePosition)
@@ -148,6 +161,11 @@ TEST_F(LogListTest, ScrollButtonsStopAtTheLastPageAndClearKeepsThePosition)
     EXPECT_EQ(pane->visibleRowTexts(), QStringList{"新单"});
     pane->SelectedLogByIndex(-1);
     EXPECT_EQ(pane->visibleRowTexts(), QStringList{"新单"});
+    // The second entry after a clear takes the new count: no scrolling past it.
+    pane->AddLog(entry("第二单", true));
+    EXPECT_EQ(pane->rowCountField(), 2);
+    QTest::mouseClick(button("ImgDown"), Qt::LeftButton);
+    EXPECT_EQ(pane->topIndex(), 0);
 }
 
 TEST_F(LogListTest, SaveWritesTheExactBytesOrNothing)
@@ -177,6 +195,7 @@ TEST_F(LogListTest, SaveWritesTheExactBytesOrNothing)
     const QByteArray expected = QByteArray(27, '-') + "2024/3/5 14:02:09 " + QByteArray(27, '-')
         + "\r\nSF1002异常, 缺少1件\r\nSF1001通过\r\n";
     EXPECT_EQ(file.readAll(), expected);
+    EXPECT_EQ(LogListModel::defaultDateTimeText(QDateTime(QDate(2024, 11, 20), QTime(0, 0))), "2024/11/20");
 
     chosen = dir.filePath("no/such/folder/log.txt");
     QTest::mouseClick(button("ImgSave"), Qt::LeftButton);

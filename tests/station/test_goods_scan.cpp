@@ -278,15 +278,12 @@ INSTANTIATE_TEST_SUITE_P(Views, GoodsScanTest, ::testing::Values(false, true),
 
 TEST_F(StationFormTest, DeliveryNeedsBothSettingsAndARestoredOrderFollowsItsMissingCount)
 {
-    const auto barcode = [this](int itemId) {
-        return dbValue(QStringLiteral("SELECT FBarCode FROM t_Barcode WHERE FItemID = ?"), {itemId}).toString();
-    };
     const auto delivered = [this](const QString& code) {
         return dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FUniqueCode = ?"), {code}).toInt();
     };
     SetDemoSystemProfile(m_db, QStringLiteral("CreateStockBillType"), QStringLiteral("0"));
     scanInto(controls(openStation()).TxtID, QStringLiteral("10028"));
-    scanInto(controls(m_form).TxtItemID, barcode(1024));
+    scanInto(controls(m_form).TxtItemID, barcodeOf(1024));
     EXPECT_TRUE(controls(m_form).ImgSuccess->isVisible());
     EXPECT_EQ(delivered(QStringLiteral("10028")), 0);
 
@@ -294,19 +291,19 @@ TEST_F(StationFormTest, DeliveryNeedsBothSettingsAndARestoredOrderFollowsItsMiss
     SetDemoSystemProfile(m_db, QStringLiteral("DeliveryWhenWeightedOrPick"), QStringLiteral("0"));
     frmPickigGoods& f = *openStation();
     scanInto(controls(f).TxtID, QStringLiteral("10001"));
-    scanInto(controls(f).TxtItemID, barcode(1001));
-    scanInto(controls(f).TxtItemID, barcode(1014));
+    scanInto(controls(f).TxtItemID, barcodeOf(1001));
+    scanInto(controls(f).TxtItemID, barcodeOf(1014));
     EXPECT_FALSE(f.pickingState().recomputeMissing());              // a fresh order: counted when it is left
     scanInto(controls(f).TxtID, QStringLiteral("10002"));
     scanInto(controls(f).TxtID, QStringLiteral("10001"));      // back from the session log
     ASSERT_TRUE(f.pickingState().recomputeMissing());
     EXPECT_EQ(f.pickingState().missingNum(), 2);
-    scanInto(controls(f).TxtItemID, barcode(1014));
+    scanInto(controls(f).TxtItemID, barcodeOf(1014));
     EXPECT_EQ(f.pickingState().missingNum(), 1);
     const GoodsRecord entry = f.pickingState().SessionOrderLog().Item(0);
     ASSERT_EQ(entry.GetValue(QStringLiteral("ID")).toString(), QStringLiteral("10001"));
     EXPECT_TRUE(entry.GetValue(QStringLiteral("log")).toString().contains(QStringLiteral("缺少1件")));
-    scanInto(controls(f).TxtItemID, barcode(1008));
+    scanInto(controls(f).TxtItemID, barcodeOf(1008));
     EXPECT_EQ(f.pickingState().missingNum(), 0);
     EXPECT_TRUE(entry.GetValue(QStringLiteral("bSuccess")).toBool());
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/201"));
