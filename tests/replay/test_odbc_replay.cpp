@@ -21,14 +21,6 @@ protected:
         ASSERT_TRUE(m_h.ready()) << m_h.lastError().toStdString();
     }
 
-    // A second demo database beside the harness's own, as the launcher made it.
-    QString copyOfDemo(const QString& name) const
-    {
-        const QString file = m_h.folder() + QLatin1Char('/') + name;
-        EXPECT_TRUE(QFile::copy(m_h.databaseFile(), file));
-        return file;
-    }
-
     static QString odbcProps(const QString& file, const QString& extra = QString())
     {
         return QStringLiteral("UserID=1;ConnectString={Driver=SQLite3;Database=%1%2};").arg(file, extra);
@@ -41,7 +33,9 @@ protected:
 
 TEST_F(OdbcReplay, TheSessionThroughOdbcPrintsWhatTheEmbeddedEnginePrints)
 {
-    const QString odbcFile = copyOfDemo(QStringLiteral("odbc.db"));
+    // A second demo database beside the harness's own, as the launcher made it.
+    const QString odbcFile = m_h.folder() + QStringLiteral("/odbc.db");
+    ASSERT_TRUE(QFile::copy(m_h.databaseFile(), odbcFile));
     const QString script = QStringLiteral(
         "scan TxtID 10005\n"
         "scan TxtItemID 6931000010215\n"
@@ -98,7 +92,7 @@ TEST_F(OdbcReplay, TheSessionThroughOdbcPrintsWhatTheEmbeddedEnginePrints)
 
 TEST_F(OdbcReplay, AWrongDriverOrAMissingFileEndsTheLauncherWithItsName)
 {
-    const QString file = copyOfDemo(QStringLiteral("there.db"));
+    const QString file = m_h.databaseFile();
     const QString missing = m_h.folder() + QStringLiteral("/not-there.db");
     const struct {
         QString props, named;

@@ -1,5 +1,6 @@
 #include "host_fakes.h"
 #include "host/host_error.h"
+#include "session/variant_convert.h"
 #include <QObject>
 
 namespace {
@@ -33,64 +34,36 @@ std::shared_ptr<int> storeAnswers(const QVariant& value)
 
 } // namespace
 
-TEST_F(HostSession, ParsesTheGrammarWithBracesBlanksAndABareKey)
-{
-    EXPECT_TRUE(ParsePropsString(QStringLiteral("A = 1 ; B={x;y=z} ; C")));
-    const GoodsRecord props = HostProps();
-    ASSERT_EQ(props.Keys(), QStringList({"A", "B", "C"}));
-    EXPECT_EQ(props.GetValue("A").toString(), "1");
-    EXPECT_EQ(props.GetValue("B").toString(), "x;y=z");
-    EXPECT_EQ(props.GetValue("C").toString(), "");
-    EXPECT_EQ(LastParsedPropsString(), "A = 1 ; B={x;y=z} ; C");
-
-    // Text between the closing brace and the next ";" is dropped.
-    ParsePropsString(QStringLiteral("CS={Data Source=a;Pwd=b} junk ;UserID=5;"));
-    EXPECT_EQ(HostProps().GetValue("CS").toString(), "Data Source=a;Pwd=b");
-    EXPECT_EQ(HostProps().GetValue("UserID").toString(), "5");
-    EXPECT_EQ(HostProps().Count(), 2);
-
-    // Parsing replaces the set, it does not merge.
-    const GoodsRecord before = HostProps();
-    ParsePropsString(QStringLiteral("Z=9;"));
-    EXPECT_FALSE(HostProps().sameRecord(before));
-    EXPECT_EQ(HostProps().Keys(), QStringList({"Z"}));
-
-    ParsePropsString(QString());
-    EXPECT_EQ(HostProps().Count(), 0);
-    EXPECT_THROW(GetPropValue("A"), HostError);
-}
-
-TEST_F(HostSession, OnlyBlanksAreTrimmedFromKeysAndValues)
+TEST_F(HostSession, ParsesTheGrammarTrimmingOnlyBlanks)
 {
     struct Case {
         QString text;
-        QString key;
-        QString value;
+        QStringList keysAndValues;   // key, value, key, value...
     };
     const Case cases[] = {
-        {QStringLiteral("  UserID  =  5  ;"), QStringLiteral("UserID"), QStringLiteral("5")},
-        {QStringLiteral("\tUserID=5;"), QStringLiteral("\tUserID"), QStringLiteral("5")},
-        {QStringLiteral("UserID\n=5;"), QStringLiteral("UserID\n"), QStringLiteral("5")},
-        {QStringLiteral("UserID=\t5\r\n;"), QStringLiteral("UserID"), QStringLiteral("\t5\r\n")},
+        {QStringLiteral("A = 1 ; B={x;y=z} ; C"), {"A", "1", "B", "x;y=z", "C", ""}},
+        // Text between the closing brace and the next ";" is dropped.
+        {QStringLiteral("CS={Data Source=a;Pwd=b} junk ;UserID=5;"), {"CS", "Data Source=a;Pwd=b", "UserID", "5"}},
+        {QStringLiteral("  UserID  =  5  ;"), {"UserID", "5"}},
+        {QStringLiteral("\tUserID=5;"), {"\tUserID", "5"}},
+        {QStringLiteral("UserID\n=5;"), {"UserID\n", "5"}},
+        {QStringLiteral("UserID=\t5\r\n;"), {"UserID", "\t5\r\n"}},
         // A tab in front of the brace: the value is not braced.
-        {QStringLiteral("CS=\t{a};"), QStringLiteral("CS"), QStringLiteral("\t{a}")},
-        {QStringLiteral("CS= {a;b\t} ;"), QStringLiteral("CS"), QStringLiteral("a;b\t")},
+        {QStringLiteral("CS=\t{a};"), {"CS", "\t{a}"}},
+        {QStringLiteral("CS= {a;b\t} ;"), {"CS", "a;b\t"}},
+        {QString(), {}},
     };
     for (const Case& c : cases) {
-        ParsePropsString(c.text);
-        const GoodsRecord props = HostProps();
-        ASSERT_EQ(props.Count(), 1) << c.text.toStdString();
-        EXPECT_EQ(props.Keys().first(), c.key) << c.text.toStdString();
-        EXPECT_EQ(props.GetValue(c.key).toString(), c.value) << c.text.toStdString();
+        ParsePropsString(c.text);   // replaces the set, does not merge
+        QStringList got;
+        for (const QString& key : HostProps().Keys())
+            got << key << HostProps().GetValue(key).toString();
+        EXPECT_EQ(got, c.keysAndValues) << c.text.toStdString();
     }
-
     // A key with a tab in front is another key.
     ParsePropsString(QStringLiteral("\tUserID=5;"));
     EXPECT_THROW(GetPropValue(QStringLiteral("UserID")), HostError);
-}
 
-TEST_F(HostSession, DuplicateKeysFailWhateverTheirCase)
-{
     try {
         ParsePropsString(QStringLiteral("UserID=1;userid=2;"));
         FAIL() << "a key given twice must raise";
@@ -112,33 +85,34 @@ TEST_F(HostSession, GetPropValueParsesOnFirstUseThenKeepsItsSet)
     EXPECT_EQ(GetPropsString(), "UserID=9;DBName=other;");
     EXPECT_EQ(GetPropValue("DBName"), "demo");
     EXPECT_EQ(FindPropValue("DBName"), "other");
-
     ParsePropsString(GetPropsString());
     EXPECT_EQ(GetUserID(), 9);
 
-    ParsePropsString(QStringLiteral("UserID=abc;"));
-    EXPECT_THROW(GetUserID(), HostError);
-    ParsePropsString(QStringLiteral("UserID=99999999999;"));
-    EXPECT_THROW(GetUserID(), HostError);
-    ParsePropsString(QStringLiteral("Other=1;"));
-    EXPECT_THROW(GetUserID(), HostError);
+    for (const char* props : {"UserID=abc;", "UserID=99999999999;", "Other=1;"}) {
+        ParsePropsString(QString::fromLatin1(props));
+        EXPECT_THROW(GetUserID(), HostError) << props;
+    }
 }
 
 TEST_F(HostSession, FindPropValueIsALoosePlainTextSearch)
 {
-    publishProps(QStringLiteral("UserID=5;ID=7;"));
-    EXPECT_EQ(FindPropValue("ID"), "5");        // the tail of "UserID" matches first
-    EXPECT_EQ(FindPropValue("userid"), "5");
-    EXPECT_EQ(FindPropValue("Missing"), "");
-
-    publishProps(QStringLiteral("CS={Data Source=x;Pwd=y};Pwd=z"));
-    EXPECT_EQ(FindPropValue("Pwd"), "y}");      // braces mean nothing to this reader
-    EXPECT_EQ(FindPropValue("CS"), "{Data Source=x");
-
-    publishProps(QStringLiteral("A=1"));        // no final ";"
-    EXPECT_EQ(FindPropValue("A"), "1");
-    publishProps(QString());
-    EXPECT_EQ(FindPropValue("A"), "");
+    const struct {
+        const char* props;
+        const char* key;
+        const char* value;
+    } cases[] = {
+        {"UserID=5;ID=7;", "ID", "5"},   // the tail of "UserID" matches first
+        {"UserID=5;ID=7;", "userid", "5"},
+        {"UserID=5;ID=7;", "Missing", ""},
+        {"CS={Data Source=x;Pwd=y};Pwd=z", "Pwd", "y}"},   // braces mean nothing to this reader
+        {"CS={Data Source=x;Pwd=y};Pwd=z", "CS", "{Data Source=x"},
+        {"A=1", "A", "1"},   // no final ";"
+        {"", "A", ""},
+    };
+    for (const auto& c : cases) {
+        publishProps(QString::fromLatin1(c.props));
+        EXPECT_EQ(FindPropValue(QString::fromLatin1(c.key)), QString::fromLatin1(c.value)) << c.props << " " << c.key;
+    }
 }
 
 TEST_F(HostSession, PropsStringComesFromTheHostObjectOrTheStoreAsText)
@@ -167,4 +141,31 @@ TEST_F(HostSession, PropsStringComesFromTheHostObjectOrTheStoreAsText)
     RegisterServerObject(ProgIds::ShareProps, nullptr);
     EXPECT_THROW(GetPropsString(), HostError);
     EXPECT_THROW(FindPropValue("UserID"), HostError);
+}
+
+// Numbers as the host converts them: halves to even, True is -1, text must be
+// a number, and what does not fit overflows.
+TEST_F(HostSession, ValuesConvertAsTheHostConvertsThem)
+{
+    const struct {
+        QVariant value;
+        qint32 converted;
+    } longs[] = {{2.5, 2}, {3.5, 4}, {-2.5, -2}, {QStringLiteral(" 12 "), 12}, {QStringLiteral("7.5"), 8}, {true, -1}, {false, 0}};
+    for (const auto& c : longs)
+        EXPECT_EQ(variantToLong(c.value), c.converted) << c.value.toString().toStdString();
+    EXPECT_EQ(variantToDouble(true), -1.0);
+    EXPECT_EQ(variantToInteger(32767.4), 32767);
+
+    const struct {
+        QVariant value;
+        long error;
+    } failures[] = {{QStringLiteral("abc"), HostErrors::TypeMismatch}, {32767.5, HostErrors::Overflow}, {QVariant(), 94}};
+    for (const auto& c : failures) {
+        try {
+            variantToInteger(c.value);
+            ADD_FAILURE() << c.value.toString().toStdString() << " converted";
+        } catch (const HostError& e) {
+            EXPECT_EQ(e.number(), c.error) << c.value.toString().toStdString();
+        }
+    }
 }

@@ -2,7 +2,6 @@
 #include "host/error_reporter.h"
 #include "host/host_error.h"
 #include <QHash>
-#include <QLabel>
 #include <QWidget>
 
 namespace {
@@ -81,12 +80,27 @@ class Language : public HostFixture {};
 
 } // namespace
 
-TEST_F(Language, SimplifiedChineseReturnsTextsAsWrittenWithoutALoader)
+TEST_F(Language, TheHostsCodeChoosesTheLanguageAndSimplifiedChineseNeedsNoLoader)
 {
+    // The host's codes are lower case; no component means simplified Chinese.
+    const struct {
+        const char* code;
+        int id;
+        const char* used;
+    } codes[] = {{"en", 2, "en"}, {"cht", 3, "cht"}, {"EN", 1, "chs"}, {"chs", 1, "chs"}};
+    for (const auto& c : codes) {
+        ResetLanguageCache();
+        useLanguage(QString::fromLatin1(c.code));
+        EXPECT_EQ(GetLanguageID(), c.id) << c.code;
+        EXPECT_EQ(GetLanguageCode(), QString::fromLatin1(c.used)) << c.code;
+    }
+    ResetLanguageCache();
+    RegisterServerObject(ProgIds::LangInfo, nullptr);
+    EXPECT_EQ(GetLanguageCode(), "chs");
+
+    ResetLanguageCache();
     auto loader = useFakeLoader();
     auto asked = useLanguage(QStringLiteral("chs"));
-    EXPECT_EQ(GetLanguageID(), 1);
-    EXPECT_EQ(GetLanguageCode(), "chs");
     EXPECT_EQ(LoadString(QStringLiteral("  拣货超量  ")), "  拣货超量  ");
     EXPECT_EQ(ExpandMessage(QStringLiteral("~$~拣货超量^|^: ^|^12")), "拣货超量: 12");
     QString question = QStringLiteral("确定启用商业智能？");
@@ -96,25 +110,7 @@ TEST_F(Language, SimplifiedChineseReturnsTextsAsWrittenWithoutALoader)
     EXPECT_EQ(*asked, 1);                       // asked once, then cached
 }
 
-TEST_F(Language, LanguageCodesAndAMissingComponent)
-{
-    useLanguage(QStringLiteral("en"));
-    EXPECT_EQ(GetLanguageID(), 2);
-    EXPECT_EQ(GetLanguageCode(), "en");
-    ResetLanguageCache();
-    useLanguage(QStringLiteral("cht"));
-    EXPECT_EQ(GetLanguageID(), 3);
-    EXPECT_EQ(GetLanguageCode(), "cht");
-    ResetLanguageCache();
-    useLanguage(QStringLiteral("EN"));          // the host's codes are lower case
-    EXPECT_EQ(GetLanguageID(), 1);
-    ResetLanguageCache();
-    RegisterServerObject(ProgIds::LangInfo, nullptr);
-    EXPECT_EQ(GetLanguageID(), 1);
-    EXPECT_EQ(GetLanguageCode(), "chs");
-}
-
-TEST_F(Language, EnglishLooksUpTheTrimmedTextAndRestoresItsBlanks)
+TEST_F(Language, EnglishLooksUpTheTrimmedTextAndOnlyMarkedFragments)
 {
     auto loader = useFakeLoader();
     useLanguage(QStringLiteral("en"));
@@ -127,11 +123,16 @@ TEST_F(Language, EnglishLooksUpTheTrimmedTextAndRestoresItsBlanks)
     EXPECT_EQ(LoadString(QStringLiteral("   ")), "   ");
     EXPECT_EQ(LoadString(QString()), "");
     EXPECT_EQ(loader->keys.size(), asked);      // blank texts are not looked up
-
     EXPECT_EQ(loader->created, 1);
     EXPECT_EQ(loader->resDirectory, "");
     EXPECT_EQ(loader->baseName, "RnINDUSTRY");
     EXPECT_EQ(loader->languageId, "en");
+
+    EXPECT_EQ(LoadString(QStringLiteral("~$~拣货超量^|^: ^|^12")), "Over-picked: 12");
+    EXPECT_EQ(ExpandMessage(QStringLiteral("拣货超量^|^: ^|^12")), "拣货超量: 12");
+    EXPECT_EQ(ExpandMessage(QStringLiteral("a^|^^|^b^|^")), "ab");
+    EXPECT_EQ(ExpandMessage(QStringLiteral("~$~ 拣货超量 ^|^~$~")), " Over-picked ");
+    EXPECT_EQ(ExpandMessage(QStringLiteral("x~$~拣货超量^|^~$~未知")), "x~$~拣货超量未知");
 
     RegisterServerObject(ProgIds::ResLoader, nullptr);
     ResetLanguageCache();
@@ -160,19 +161,6 @@ TEST_F(Language, TheFixedQuestionIsRewrittenInTheCallersTextOnlyInTraditional)
     QString english = QStringLiteral("确定启用商业智能？");
     EXPECT_EQ(LoadString(english), "Enable BI?");
     EXPECT_EQ(english, "确定启用商业智能？");
-}
-
-TEST_F(Language, CompositeMessagesTranslateOnlyMarkedFragments)
-{
-    auto loader = useFakeLoader();
-    useLanguage(QStringLiteral("en"));
-    EXPECT_EQ(ExpandMessage(QStringLiteral("~$~拣货超量^|^: ^|^12")), "Over-picked: 12");
-    EXPECT_EQ(LoadString(QStringLiteral("~$~拣货超量^|^: ^|^12")), "Over-picked: 12");
-    EXPECT_EQ(loader->keys, QStringList({"拣货超量", "拣货超量"}));
-    EXPECT_EQ(ExpandMessage(QStringLiteral("拣货超量^|^: ^|^12")), "拣货超量: 12");
-    EXPECT_EQ(ExpandMessage(QStringLiteral("a^|^^|^b^|^")), "ab");
-    EXPECT_EQ(ExpandMessage(QStringLiteral("~$~ 拣货超量 ^|^~$~")), " Over-picked ");
-    EXPECT_EQ(ExpandMessage(QStringLiteral("x~$~拣货超量^|^~$~未知")), "x~$~拣货超量未知");
 }
 
 TEST_F(Language, SetFrmFontHandsTheCodeAndTheRunningFlag)

@@ -45,6 +45,25 @@ QSqlQuery runQuery(QSqlDatabase& db, const QString& sql, const QVariantList& par
     return query;
 }
 
+// The launcher's standard output as JSON objects, one per line; a line that
+// is not a JSON object is kept as {"unparsed": line}.
+QList<QJsonObject> parseLines(const QByteArray& output)
+{
+    QList<QJsonObject> lines;
+    for (const QByteArray& raw : output.split('\n')) {
+        const QByteArray line = raw.trimmed();
+        if (line.isEmpty())
+            continue;
+        QJsonParseError error{};
+        const QJsonDocument doc = QJsonDocument::fromJson(line, &error);
+        if (error.error == QJsonParseError::NoError && doc.isObject())
+            lines << doc.object();
+        else
+            lines << QJsonObject{{QStringLiteral("unparsed"), QString::fromUtf8(line)}};
+    }
+    return lines;
+}
+
 } // namespace
 
 QJsonObject ReplayRun::step(int number) const
@@ -55,21 +74,11 @@ QJsonObject ReplayRun::step(int number) const
     return {};
 }
 
-QStringList ReplayRun::allVoices() const
-{
-    QStringList voices;
-    for (const QJsonObject& s : steps)
-        voices += jsonStrings(s.value(QStringLiteral("voice")));
-    return voices;
-}
-
 QStringList ReplayRun::allBoxTexts() const
 {
     QStringList texts;
     for (const QJsonObject& s : steps)
-        for (const QJsonValue& box : s.value(QStringLiteral("boxes")).toArray())
-            texts << box.toObject().value(QStringLiteral("title")).toString() + QStringLiteral(": ")
-                     + box.toObject().value(QStringLiteral("text")).toString();
+        texts += boxTexts(s);
     return texts;
 }
 
@@ -81,17 +90,14 @@ QString ReplayRun::describe() const
         .arg(standardError.left(4000), standardOutput.left(8000));
 }
 
-ReplayHarness::ReplayHarness(int largeOrderLines)
+ReplayHarness::ReplayHarness()
 {
     if (!m_dir.isValid()) {
         m_error = QStringLiteral("no temporary folder");
         return;
     }
     m_dbFile = m_dir.filePath(QStringLiteral("demo.db"));
-    QStringList args{QStringLiteral("--init-demo"), m_dbFile};
-    if (largeOrderLines > 0)
-        args << QStringLiteral("--lines") << QString::number(largeOrderLines);
-    const ReplayRun init = runRaw(args);
+    const ReplayRun init = runRaw({QStringLiteral("--init-demo"), m_dbFile});
     m_ready = init.exitCode == 0 && !init.crashed && QFile::exists(m_dbFile);
     if (!m_ready)
         m_error = init.describe();
@@ -189,28 +195,19 @@ QString ReplayHarness::launcherPath()
     return QDir(dir).filePath(QStringLiteral("rnwdpicking"));
 }
 
-QList<QJsonObject> ReplayHarness::parseLines(const QByteArray& output)
-{
-    QList<QJsonObject> lines;
-    for (const QByteArray& raw : output.split('\n')) {
-        const QByteArray line = raw.trimmed();
-        if (line.isEmpty())
-            continue;
-        QJsonParseError error{};
-        const QJsonDocument doc = QJsonDocument::fromJson(line, &error);
-        if (error.error == QJsonParseError::NoError && doc.isObject())
-            lines << doc.object();
-        else
-            lines << QJsonObject{{QStringLiteral("unparsed"), QString::fromUtf8(line)}};
-    }
-    return lines;
-}
-
 QStringList jsonStrings(const QJsonValue& array)
 {
     QStringList texts;
     for (const QJsonValue& v : array.toArray())
         texts << v.toString();
+    return texts;
+}
+
+QStringList boxTexts(const QJsonObject& step)
+{
+    QStringList texts;
+    for (const QJsonValue& box : step.value(QStringLiteral("boxes")).toArray())
+        texts << box[QStringLiteral("title")].toString() + QStringLiteral(": ") + box[QStringLiteral("text")].toString();
     return texts;
 }
 

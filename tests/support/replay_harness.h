@@ -22,8 +22,7 @@ struct ReplayRun {
     // object when there is no such step.
     QJsonObject step(int number) const;
     QJsonObject last() const { return steps.isEmpty() ? QJsonObject() : steps.last(); }
-    // Every voice prompt and every box title+text of the whole run.
-    QStringList allVoices() const;
+    // Every box of the whole run, as boxTexts gives them.
     QStringList allBoxTexts() const;
     // A short description for test failure messages.
     QString describe() const;
@@ -31,8 +30,7 @@ struct ReplayRun {
 
 class ReplayHarness {
 public:
-    // orderLines > 0 adds the benchmark order of that many lines.
-    explicit ReplayHarness(int largeOrderLines = 0);
+    ReplayHarness();
 
     // False (with the launcher's error output in lastError()) when the demo
     // database could not be made.
@@ -62,9 +60,6 @@ public:
 
     // The launcher: RNW_BIN_DIR when set, else the folder of the test program.
     static QString launcherPath();
-    // Parses the launcher's standard output into JSON objects, one per line;
-    // a line that is not a JSON object is kept as {"unparsed": line}.
-    static QList<QJsonObject> parseLines(const QByteArray& output);
 
 private:
     QTemporaryDir m_dir;
@@ -75,6 +70,8 @@ private:
 
 // Small readers of a step.
 QStringList jsonStrings(const QJsonValue& array);
+// The message boxes of a step as "title: text".
+QStringList boxTexts(const QJsonObject& step);
 // The lines of a step as "GoodsID/FEntryID:ordered/picked/checked" texts.
 QStringList lineSummaries(const QJsonObject& step);
 // Sum of GoodsCheckedCnt over the step's lines.
