@@ -3,7 +3,6 @@
 // the scanned code inside one quoted literal, the worker gets a clear message
 // (or nothing happens, where an empty scan means nothing), and a refused input
 // leaves the order's counts exactly as they were.
-#include "sql/sql_statement_trace.h"
 #include "reliability/reliability_station.h"
 
 namespace {
@@ -37,58 +36,10 @@ QList<Payload> hostilePayloads()
     };
 }
 
-// What the field keeps of a text: the station's own rule, written out here
-// independently of the field: no quote or look-alike, no control or format
-// character, no line or paragraph separator, no surrogate; GS (between the
-// fields of a GS1 code) is kept as its visible sign.
-QString keptOf(const QString& text)
-{
-    static const QString lookAlikes = QStringLiteral("'\u2018\u2019\u201B\u2032\u02BC\uFF07");
-    QString kept;
-    for (QChar c : text) {
-        if (c.unicode() == 0x1D) {
-            kept += QChar(0x241D);
-            continue;
-        }
-        if (lookAlikes.contains(c) || c.isSurrogate())
-            continue;
-        const QChar::Category cat = c.category();
-        if (cat == QChar::Other_Control || cat == QChar::Other_Format || cat == QChar::Separator_Line
-            || cat == QChar::Separator_Paragraph)
-            continue;
-        kept += c;
-    }
-    return kept;
-}
-
-QString trimBlanks(const QString& text)
-{
-    qsizetype start = 0, end = text.size();
-    while (start < end && text.at(start).isSpace())
-        ++start;
-    while (end > start && text.at(end - 1).isSpace())
-        --end;
-    return text.mid(start, end - start);
-}
-
 } // namespace
 
 class HostileInputTest : public ReliabilityStationTest {
 protected:
-    void SetUp() override
-    {
-        ReliabilityStationTest::SetUp();
-        SqlStatementTrace::reset();
-        SqlStatementTrace::setCapturing(true);
-    }
-
-    void TearDown() override
-    {
-        SqlStatementTrace::setCapturing(false);
-        SqlStatementTrace::takeCaptured();
-        ReliabilityStationTest::TearDown();
-    }
-
     enum class Path { Typed, Pasted, Dropped };
 
     void enter(QLineEdit* field, const QString& text, Path path)
@@ -107,9 +58,9 @@ protected:
         }
     }
 
-    // Every statement sent since the last call, at the middle tier (T-SQL) and
-    // at the database (after the bridge), carries the code as one literal or
-    // one bound value, whole.
+    // Every statement sent to the middle tier since the last call carries the
+    // code as one literal, whole. (What the bridge makes of such a statement
+    // is fuzzed.)
     void expectCodeStaysOneLiteral(const QString& code, const std::string& trace)
     {
         SCOPED_TRACE(trace);
@@ -130,71 +81,17 @@ protected:
             }
         }
         m_seenCalls = m_faults.calls().size();
-        for (const SqlTraceStatement& statement : SqlStatementTrace::takeCaptured()) {
-            EXPECT_FALSE(statement.sql.contains(kMarker)) << statement.sql.left(400).toStdString();
-            for (const QVariant& value : statement.params) {
-                if (value.toString().contains(kMarker)) {
-                    EXPECT_EQ(value.toString(), code);
-                }
-            }
-        }
         if (!code.isEmpty()) {
             EXPECT_GT(carried, 0) << "the code never reached a statement";
         }
     }
 
-    void skipCallsSoFar()
-    {
-        m_seenCalls = m_faults.calls().size();
-        SqlStatementTrace::takeCaptured();
-    }
+    void skipCallsSoFar() { m_seenCalls = m_faults.calls().size(); }
 
     int tableCount() const { return dbValue(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'table'")).toInt(); }
 
     int m_seenCalls = 0;
 };
-
-TEST_F(HostileInputTest, NoCharacterThatCouldEndALiteralReachesAField)
-{
-    frmPickigGoods& f = open();
-    QStringList broken;
-    int refusedInBmp = 0;
-    // Laying out every script of Unicode makes the font database talk.
-    const QtMessageHandler previous = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-    for (char32_t cp = 1; cp <= 0x10FFFF; cp += cp < 0x10000 ? 1 : 61) {
-        if (cp >= 0xD800 && cp <= 0xDFFF)
-            continue;   // halves come in below, alone
-        const QString one = QString::fromUcs4(&cp, 1);
-        const QString text = QStringLiteral("a") + one + QStringLiteral("b");
-        controls(f).TxtItemID->setText(text);
-        const QString byText = controls(f).TxtItemID->text();
-        controls(f).TxtItemID->clear();
-        controls(f).TxtItemID->insert(text);
-        const QString byInsert = controls(f).TxtItemID->text();
-        if (byText != keptOf(text) || byInsert != keptOf(text))
-            broken << QStringLiteral("U+%1 -> %2 / %3").arg(quint32(cp), 4, 16, QLatin1Char('0')).arg(byText, byInsert);
-        refusedInBmp += cp < 0x10000 && byText.size() == 2 ? 1 : 0;
-    }
-    qInstallMessageHandler(previous);
-    // A lone half of a surrogate pair, as a broken scanner might send it.
-    for (QChar half : {QChar(0xD83D), QChar(0xDE00)}) {
-        controls(f).TxtItemID->setText(QStringLiteral("a") + half + QStringLiteral("b"));
-        if (controls(f).TxtItemID->text() != QStringLiteral("ab"))
-            broken << QStringLiteral("lone surrogate kept");
-    }
-    EXPECT_TRUE(broken.isEmpty()) << broken.mid(0, 20).join(QLatin1Char('\n')).toStdString();
-    // In the basic plane the quote family and the control and format
-    // characters go, not more than that (beyond it every character goes: a
-    // scanner sends none of them).
-    EXPECT_GT(refusedInBmp, 60);
-    EXPECT_LT(refusedInBmp, 200);
-
-    // Typed keys: the quote key and its look-alikes never show, whatever the field.
-    for (ScanLineEdit* field : {controls(f).TxtEmployee, controls(f).TxtID, controls(f).TxtItemID, controls(f).TxtNum}) {
-        type(field, QStringLiteral("1'2\u20193\uFF074"));
-        EXPECT_EQ(field->text(), QStringLiteral("1234")) << field->objectName().toStdString();
-    }
-}
 
 TEST_F(HostileInputTest, HostileGoodsAndOrderCodesAreAnsweredAndCountNothing)
 {
@@ -230,7 +127,7 @@ TEST_F(HostileInputTest, HostileGoodsAndOrderCodesAreAnsweredAndCountNothing)
                 EXPECT_EQ(snapshot(), before);
                 EXPECT_EQ(controls(f).TxtNum->text(), QStringLiteral("1"));
                 EXPECT_TRUE(controls(f).TxtItemID->hasFocus());
-                expectCodeStaysOneLiteral(trimBlanks(keptOf(p.text)), trace);
+                expectCodeStaysOneLiteral(ScanLineEdit::cleaned(p.text).trimmed(), trace);
             }
         }
     }
@@ -267,7 +164,7 @@ TEST_F(HostileInputTest, HostileGoodsAndOrderCodesAreAnsweredAndCountNothing)
             EXPECT_EQ(controls(f).lblMessage->text(), kUnknownOrder);
             EXPECT_EQ(controls(f).lblOrderNum->text(), QStringLiteral("0"));
             EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
-            expectCodeStaysOneLiteral(trimBlanks(keptOf(p.text)), trace);
+            expectCodeStaysOneLiteral(ScanLineEdit::cleaned(p.text).trimmed(), trace);
             scan(controls(f).TxtID, QStringLiteral("10001"));
             const StationSnapshot back = snapshot();
             EXPECT_EQ(back.lines, picked.lines);
@@ -357,7 +254,7 @@ TEST_F(HostileInputTest, EmptyBlankAndHostileEntriesInEveryFieldAreRefusedOrIgno
     skipCallsSoFar();
     for (const Payload& p : hostilePayloads()) {
         paste(controls(f).TxtEmployee, p.text);
-        EXPECT_EQ(controls(f).TxtEmployee->text(), keptOf(p.text)) << p.name;
+        EXPECT_EQ(controls(f).TxtEmployee->text(), ScanLineEdit::cleaned(p.text)) << p.name;
     }
     EXPECT_EQ(m_faults.calls().size(), m_seenCalls);
     EXPECT_EQ(snapshot(), logged);
@@ -376,4 +273,11 @@ TEST_F(HostileInputTest, EmptyBlankAndHostileEntriesInEveryFieldAreRefusedOrIgno
     press(controls(f).TxtNum, Qt::Key_Return);
     EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("4/4"));
     EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
+
+    // What a field keeps of any text is fuzzed; the keyboard is not: the quote
+    // key and its look-alikes never show, whatever the field.
+    for (ScanLineEdit* field : {controls(f).TxtEmployee, controls(f).TxtID, controls(f).TxtItemID, controls(f).TxtNum}) {
+        type(field, QStringLiteral("1'2\u20193\uFF074"));
+        EXPECT_EQ(field->text(), QStringLiteral("1234")) << field->objectName().toStdString();
+    }
 }
