@@ -24,7 +24,7 @@ run: build
 	$(RELEASE_DIR)/bin/rnwdpicking $(DEMO_ARGS)
 
 test: deps
-	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DRNW_SANITIZE=ON -DRNW_TESTS=ON -DRNW_WERROR=ON >/dev/null
+	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DRNW_SANITIZE=ON -DRNW_TESTS=ON -DRNW_WERROR=ON -DRNW_PCH=ON >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
 	$(MAKE) --no-print-directory fuzz
@@ -47,7 +47,7 @@ soak: deps
 
 # Pictures of the station for a look by eye, in $(TEST_DIR)/screenshots/.
 screens: deps
-	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DRNW_SANITIZE=ON -DRNW_TESTS=ON -DRNW_WERROR=ON >/dev/null
+	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DRNW_SANITIZE=ON -DRNW_TESTS=ON -DRNW_WERROR=ON -DRNW_PCH=ON >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS) --target rnw_screens
 	cd $(TEST_DIR) && QT_QPA_PLATFORM=offscreen LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp ./bin/rnw_screens
 
