@@ -134,27 +134,46 @@ TEST(Platform, NumericTestAndComponentPaths)
     EXPECT_TRUE(ComponentFolder().endsWith('/'));
 }
 
-TEST(PropsText, GrammarOfThePropertyStringAndItsPasswordsMasked)
+TEST(PropsText, GrammarTrimsOnlyBlanksAndPasswordsAreMasked)
 {
-    auto p = SplitPropsText("A = 1 ; B={x;y=z} ; C");
-    ASSERT_EQ(p.size(), 3);
-    EXPECT_EQ(p[0], qMakePair(QString("A"), QString("1")));
-    EXPECT_EQ(p[1], qMakePair(QString("B"), QString("x;y=z")));
-    EXPECT_EQ(p[2], qMakePair(QString("C"), QString("")));
-    EXPECT_TRUE(SplitPropsText("").isEmpty());
-    EXPECT_EQ(SplitPropsText("A=1;A=2;").size(), 2);   // duplicates are the caller's affair
-    EXPECT_TRUE(SplitPropsText("=5;B=1").isEmpty());   // an empty key ends the reading
+    const struct {
+        QString text;
+        QStringList keysAndValues;   // key, value, key, value...
+    } grammar[] = {
+        {"A = 1 ; B={x;y=z} ; C", {"A", "1", "B", "x;y=z", "C", ""}},
+        // Text between the closing brace and the next ";" is dropped.
+        {"CS={Data Source=a;Pwd=b} junk ;UserID=5;", {"CS", "Data Source=a;Pwd=b", "UserID", "5"}},
+        {"  UserID  =  5  ;", {"UserID", "5"}},
+        {"\tUserID=5;", {"\tUserID", "5"}},
+        {"UserID\n=5;", {"UserID\n", "5"}},
+        {"UserID=\t5\r\n;", {"UserID", "\t5\r\n"}},
+        // A tab in front of the brace: the value is not braced.
+        {"CS=\t{a};", {"CS", "\t{a}"}},
+        {"CS= {a;b\t} ;", {"CS", "a;b\t"}},
+        {"A=1;A=2;", {"A", "1", "A", "2"}},   // duplicates are the caller's affair
+        {"=5;B=1", {}},                       // an empty key ends the reading
+        {"", {}},
+    };
+    for (const auto& c : grammar) {
+        QStringList got;
+        for (const auto& [key, value] : SplitPropsText(c.text))
+            got << key << value;
+        EXPECT_EQ(got, c.keysAndValues) << c.text.toStdString();
+    }
 
     // What error boxes and replay output may show of a connect string.
     const struct {
         const char* text;
         const char* masked;
     } cases[] = {
-        {"UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=s3cret};",
-         "UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=***};"},
+        {"UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=s3cret};Lang=chs;",
+         "UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=***};Lang=chs;"},
+        {"Data Source=s;User ID=sa;Password=Pa55w!;Initial Catalog=db", "Data Source=s;User ID=sa;Password=***;Initial Catalog=db"},
         {"Driver=SQLite3;Database=/a.db;PWD = s3cret;UID=sa", "Driver=SQLite3;Database=/a.db;PWD = ***;UID=sa"},
         {"Server=s;pwd={se;c}}ret};Trusted=no", "Server=s;pwd=***;Trusted=no"},
-        {"Data Source=/a.db", "Data Source=/a.db"},
+        {"PASSWORD = x y z", "PASSWORD = ***"},
+        // other keys that merely contain the word stay
+        {"OldPwd=1;PasswordHint=2;Data Source=/a.db", "OldPwd=1;PasswordHint=2;Data Source=/a.db"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(MaskPasswords(QString::fromUtf8(c.text)), QString::fromUtf8(c.masked)) << c.text;

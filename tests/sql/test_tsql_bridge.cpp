@@ -2,10 +2,7 @@
 #include "host/host_error.h"
 #include "sql/tsql_bridge.h"
 #include "sql/tsql_tokenizer.h"
-
 #include <gtest/gtest.h>
-#include <iterator>
-#include <random>
 
 namespace {
 
@@ -13,11 +10,8 @@ namespace {
 SqliteStatement one(const QString& batch)
 {
     const auto r = RewriteTsqlForSqlite(batch);
-    if (r.size() != 1) {
-        ADD_FAILURE() << "expected one statement, got " << r.size() << " for " << batch.toStdString();
-        return {};
-    }
-    return r[0];
+    EXPECT_EQ(r.size(), 1u) << batch.toStdString();
+    return r.empty() ? SqliteStatement{} : r.front();
 }
 
 // The number and text of the error the batch raises; 0 when it raises none.
@@ -36,13 +30,9 @@ std::pair<long, QString> errorOf(const QString& batch)
 std::string refusal(const QString& batch, const QString& construct)
 {
     const auto [number, text] = errorOf(batch);
-    if (number == 0)
-        return "accepted";
-    if (number != HostErrors::Unsupported)
-        return "error " + std::to_string(number) + ": " + text.toStdString();
-    if (!text.contains(construct, Qt::CaseInsensitive))
-        return "refused without naming " + construct.toStdString() + ": " + text.toStdString();
-    return {};
+    if (number == HostErrors::Unsupported && text.contains(construct, Qt::CaseInsensitive))
+        return {};
+    return std::to_string(number) + ": " + text.toStdString();
 }
 
 } // namespace
@@ -229,11 +219,7 @@ TEST(TsqlBridge, LiteralsAreDataBoundInTheOrderOfTheOutput)
     EXPECT_EQ(injected.params, (QVariantList{QStringLiteral("x"), QStringLiteral("a"), QStringLiteral("a")}));
 
     // Str repeats its argument, and with it the argument's parameters.
-    const SqliteStatement str = one(QStringLiteral("select Str('7') from t"));
-    EXPECT_EQ(str.params, (QVariantList{QStringLiteral("7"), QStringLiteral("7"), QStringLiteral("7"), QStringLiteral("7")}));
-    EXPECT_TRUE(str.sql.contains(QStringLiteral("'**********'")));
-    EXPECT_TRUE(str.sql.contains(QStringLiteral("printf('%10d'")));
-    EXPECT_TRUE(one(QStringLiteral("select Str(a, 3) from t")).sql.contains(QStringLiteral("'***'")));
+    EXPECT_EQ(one(QStringLiteral("select Str('7') from t")).params, QVariantList(4, QStringLiteral("7")));
     // DateAdd puts the date before the number: parameters follow the output order.
     EXPECT_EQ(one(QStringLiteral("select DateAdd(d, '5', '2024-01-01')")).params,
               (QVariantList{QStringLiteral("2024-01-01"), QStringLiteral("5")}));
@@ -322,39 +308,4 @@ TEST(TsqlBridge, ShapeCacheAnswersTheSameShapeWithoutRuleWork)
     EXPECT_EQ(TsqlBridgeCacheStatistics().misses, stats.misses);
     RewriteTsqlForSqlite(shape(1)); // the oldest untouched one was dropped
     EXPECT_EQ(TsqlBridgeCacheStatistics().misses, stats.misses + 1);
-}
-
-TEST(TsqlBridge, AnyTokenSoupRewritesOrRaisesHostError)
-{
-    // Fixed seed: the same soups every run. Whatever the order of tokens, the
-    // bridge answers with statements whose '?' match their parameters, or
-    // with a HostError; nothing else escapes and nothing reads out of range.
-    static const char* const pieces[] = {
-        "select", "top", "1", "(", ")", ",", "with", "nolock", "from", "t", "'x'", "union", "all",
-        "insert", "values", "delete", "update", "set", "=", "+", "-", "*", "ISNULL", "Convert",
-        "Varchar", "DateAdd", "Day", "Str", "Len", "111", "as", "a", ".", ";", "like", "N'y'",
-        "[q]", "join", "on", "where", "case", "when", "then", "else", "end", "exists", "in",
-        "group", "by", "order", "distinct", "into", "--", "/*x*/", "'", "]", "1AND", "getdate"};
-    std::mt19937 random(20240105);
-    std::uniform_int_distribution<int> pick(0, int(std::size(pieces)) - 1);
-    std::uniform_int_distribution<int> length(1, 14);
-    int accepted = 0;
-    int refused = 0;
-    for (int round = 0; round < 400; ++round) {
-        QString batch;
-        for (int k = length(random); k > 0; --k)
-            batch += QLatin1String(pieces[pick(random)]) + QLatin1Char(' ');
-        try {
-            for (const SqliteStatement& s : RewriteTsqlForSqlite(batch))
-                EXPECT_EQ(s.sql.count(QLatin1Char('?')), s.params.size()) << batch.toStdString();
-            ++accepted;
-        } catch (const HostError&) {
-            ++refused;
-        } catch (...) {
-            ADD_FAILURE() << "not a HostError for: " << batch.toStdString();
-        }
-    }
-    // Both outcomes occur, so the soup reaches the rules and the refusals.
-    EXPECT_GT(accepted, 0);
-    EXPECT_GT(refused, 0);
 }
