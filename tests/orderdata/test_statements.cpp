@@ -6,7 +6,7 @@
 
 using namespace ExpectedSql;
 
-TEST(Statements, OrderGoodsTakesNumericCodesBothWaysAndOthersAsLogisticsNumbers)
+TEST(Statements, EachLookupIsSentAsTheServerExpectsIt)
 {
     // Numeric: unique code or logistics number, the filter follows on the same line.
     EXPECT_EQ(BuildOrderGoodsSql(QStringLiteral("20240001")), orderGoods(QStringLiteral("20240001"), true));
@@ -19,16 +19,12 @@ TEST(Statements, OrderGoodsTakesNumericCodesBothWaysAndOthersAsLogisticsNumbers)
     EXPECT_TRUE(BuildOrderGoodsSql(QStringLiteral("0x1F")).contains(" Where t2.FLogisticsOrder ='0x1F'\r\n"));
     EXPECT_TRUE(BuildOrderGoodsSql(QStringLiteral("a'b")).contains("FLogisticsOrder ='a'b'"));
     EXPECT_EQ(PriceChangeFilterSql(), priceChangeFilter());
-}
 
-TEST(Statements, BarCodeLookupReadsTheBarcodeTableOfAllWebOrders)
-{
+    // The barcode lookup reads the barcode table of all web orders.
     EXPECT_EQ(BuildBarCodeLookupSql(QStringLiteral("6901234567892")), barcodeLookup(QStringLiteral("6901234567892")));
     EXPECT_EQ(BuildBarCodeLookupSql(QString()).count(CrLf), 5);
-}
 
-TEST(Statements, SerialLookupIsTheThreeBranchUnionLineByLine)
-{
+    // The serial lookup is the three-branch union, line by line.
     const QString sn = QStringLiteral("SN-0001");
     const QStringList expected = serialLookupLines(sn);
     ASSERT_EQ(expected.size(), 84);

@@ -3,11 +3,7 @@
 #include "session/variant_convert.h"
 #include <QObject>
 
-namespace {
-
-class HostSession : public HostFixture {};
-
-} // namespace
+using HostSession = HostFixture;
 
 TEST_F(HostSession, GetPropValueParsesOnFirstUseThenKeepsItsSet)
 {

@@ -66,7 +66,8 @@ TEST(TsqlTokenizer, LiteralsNamesNumbersAndComments)
               QStringLiteral("x = 1 AND y = 2 END z = 3 e q = 4e+2 a <> b != c <= d >= e || FNAME "));
 }
 
-// Each construct of T-SQL the station's statements use, as SQLite is given it.
+// Each construct of T-SQL the station's statements use, as SQLite is given it
+// (the functions' answers on both engines: test_sql_engine.cpp).
 TEST(TsqlBridge, RewritesEachConstructTheStationUses)
 {
     const struct {
@@ -81,13 +82,8 @@ TEST(TsqlBridge, RewritesEachConstructTheStationUses)
         {"SELECT DISTINCT TOP 5 a FROM t", "SELECT DISTINCT a FROM t LIMIT 5"},
         // Inside parentheses the limit closes that SELECT, not the statement.
         {"select a from t where exists (select top 1 b from u where u.b=t.a) and a in (select top 3 c from v)", "select a from t where exists (select b from u where u.b = t.a LIMIT 1) and a in (select c from v LIMIT 3)"},
-        // TOP over a union inside a derived table limits the outer SELECT.
-        {"select top 1 x from (select 1 x union all select 2 x) a", "select x from (select 1 x union all select 2 x) a LIMIT 1"},
         {"insert into t (a) select top 2 b from u", "INSERT INTO t (a) select b from u LIMIT 2"},
-        {"select IsNull(a,0), ltrim(b), RTrim(c), Len(d), getdate() from t", "select IFNULL(a, 0), ltrim(b), rtrim(c), length(rtrim(d)), datetime('now', 'localtime') from t"},
         {"select Convert(Varchar(10),DateAdd(Day,t.n,t.d),111) from t", "select strftime('%Y/%m/%d', datetime(t.d, CAST((t.n) AS INTEGER) || ' days')) from t"},
-        // A shorter varchar cuts the text as the server does.
-        {"select convert(varchar(7), d, 111) from t", "select substr(strftime('%Y/%m/%d', d), 1, 7) from t"},
         {"select convert(int, a) from t", "select CAST((a) AS INTEGER) from t"},
         {"select count(*), count(distinct a), sum(b), min(c), max(d), avg(e), " "coalesce(a,b,0), nullif(a,0), abs(a), upper(b), lower(c) from t", "select COUNT(*), COUNT(distinct a), SUM(b), MIN(c), MAX(d), AVG(e), " "COALESCE(a, b, 0), NULLIF(a, 0), ABS(a), UPPER(b), LOWER(c) from t"},
         {" Delete IC_Web2ErpOrderSerial where FEntryID=5", "DELETE FROM IC_Web2ErpOrderSerial where FEntryID = 5"},
@@ -158,7 +154,6 @@ TEST(TsqlBridge, RefusesEveryOtherConstructByName)
         {"select a from t order by a collate Latin1_General_CI_AS", "COLLATE"},
         {"select a from t order by a offset 5 rows", "OFFSET"},
         {"(select 1)", "'('"},
-        {"'x'", "statement starting"},
         // "Select name = expr" names a column on the server; SQLite would compare.
         {"select FName = t.a from t", "alias = expression"},
         {"select a as 'Name' from t", "column alias"},
@@ -179,8 +174,6 @@ TEST(TsqlBridge, RefusesEveryOtherConstructByName)
         {"select * from #tmp", "temporary table #tmp"},
         {"select 0x1F", "binary literal"},
         {"select $5", "'$'"},
-        {"select ? from t", "'?'"},
-        {"select {fn now()}", "'{'"},
         {"select 1\x07", "U+0007"},
     };
     for (const auto& c : cases) {
