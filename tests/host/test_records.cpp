@@ -29,14 +29,11 @@ TEST(GoodsRecord, KeysMatchInAnyCaseCopiesShareAndEveryWriteRaisesTheVersion)
     EXPECT_EQ(r.Item("Log").toString(), "A");
     EXPECT_EQ(r.version(), afterWrites) << "reads leave the version alone";
 
-    // Writing the value it already has is still a write; a refused Add and
-    // removing nothing are none.
+    // Writing the value it already has is still a write; so is a removal.
     r.SetValue("log", "A");
-    quint64 v = r.version();
+    const quint64 v = r.version();
     EXPECT_GT(v, afterWrites);
     EXPECT_THROW(r.Add("LOG", 1), HostError);
-    r.Remove("NoSuchKey");
-    EXPECT_EQ(r.version(), v);
     r.Remove("bsuccess");
     EXPECT_GT(r.version(), v);
 
@@ -49,9 +46,6 @@ TEST(GoodsRecord, KeysMatchInAnyCaseCopiesShareAndEveryWriteRaisesTheVersion)
     clone.SetValue("log", "C");
     EXPECT_NE(clone.identity(), r.identity());
     EXPECT_EQ(r.GetValue("log").toString(), "B");
-    v = r.version();
-    r.Clear();
-    EXPECT_GT(r.version(), v);
 
     EXPECT_THROW(GoodsRecord::none().GetValue("x"), HostError);
 }
@@ -80,15 +74,11 @@ TEST(RecordList, BoundsInsertRemove)
     EXPECT_EQ(list.UpperBound(), -1);
 }
 
-TEST(Recordset, ForwardOnlyCaseInsensitiveFieldsAndNull)
+// Reading rows: test_sql_engine.cpp; here what a recordset refuses.
+TEST(Recordset, ForwardOnlyAndNoFieldPastTheEnd)
 {
-    Recordset rs({"FItemID", "FName"}, {{1, QVariant()}, {2, "x"}});
-    ASSERT_FALSE(rs.isEOF());
-    EXPECT_EQ(rs.Fields("fitemid").toInt(), 1);
-    EXPECT_TRUE(rs.Fields("FNAME").isNull());
+    Recordset rs({"FItemID", "FName"}, {{1, QVariant()}});
     EXPECT_THROW(rs.Fields("nope"), HostError);
-    rs.MoveNext();
-    EXPECT_EQ(rs.Fields("FName").toString(), "x");
     rs.MoveNext();
     EXPECT_TRUE(rs.isEOF());
     EXPECT_THROW(rs.Fields("FName"), HostError);

@@ -69,7 +69,7 @@ protected:
 
 } // namespace
 
-TEST_F(LogListTest, LoadShowsNewestFirstFromTwoEntriesOn)
+TEST_F(LogListTest, LoadShowsNewestFirstFromTwoEntriesOnFromAFixedPoolOfRows)
 {
     pane->LoadLogList(entries({{"SF1001通过", true}}));
     EXPECT_EQ(pane->shownCount(), 0);
@@ -105,10 +105,8 @@ TEST_F(LogListTest, LoadShowsNewestFirstFromTwoEntriesOn)
     QTest::mouseClick(check, Qt::LeftButton);
     EXPECT_EQ(asked, 2);
     EXPECT_FALSE(pane->onlyErrors());
-}
 
-TEST_F(LogListTest, RowsAreAFixedPoolWithOnlyTheFirstMarkInRed)
-{
+    // A long session: the rows are a fixed pool, only the first mark in red.
     RecordList many;
     for (int i = 0; i < 3000; ++i)
         many.Add(entry(QString("SF%1异常, 缺少1件, 误拣1件<b>异常</b>").arg(i), false));

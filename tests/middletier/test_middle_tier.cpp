@@ -85,7 +85,7 @@ TEST_F(MiddleTierTest, CheckReturnBillsAnswersTheNewestBill)
     EXPECT_THROW(getData->CheckReturnBills(record({{"sDSN", "UserID=1;"}, {"FID", 4}})), HostError);
 }
 
-TEST_F(MiddleTierTest, SavePickingGoodsMarksTheOrderByEitherCode)
+TEST_F(MiddleTierTest, SavesMarkTheOrderByEitherCodeAndStampItsDelivery)
 {
     auto save = [&](const QVariant& picker, const char* code, int status) {
         CreateServerObjectAs<ISaveData>(ProgIds::SaveData)
@@ -108,13 +108,10 @@ TEST_F(MiddleTierTest, SavePickingGoodsMarksTheOrderByEitherCode)
     // a picker that is no number writes nothing
     EXPECT_THROW(save("张伟", "10002", 1), HostError);
     EXPECT_EQ(status(2), QStringList{"0|0"});
-}
 
-TEST_F(MiddleTierTest, UpdateDeliveryDataStampsTheOrder)
-{
-    auto save = CreateServerObjectAs<ISaveData>(ProgIds::SaveData);
+    // delivery stamps the order
     const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
-    save->UpdateDeliveryData(m_props, 13);
+    CreateServerObjectAs<ISaveData>(ProgIds::SaveData)->UpdateDeliveryData(m_props, 13);
     const QDateTime after = QDateTime::currentDateTime().addSecs(1);
 
     EXPECT_EQ(value("select FDeliveryStatus from IC_Web2ERPOrders where FID=13").toInt(), 1);
@@ -143,16 +140,8 @@ TEST_F(MiddleTierTest, GetSingleSqlDataGivesTheFirstRowOrNothing)
     EXPECT_EQ(row->Count(), 1);
     EXPECT_EQ(row->GetValue("A").toString(), "电商仓");
     EXPECT_FALSE(info->GetSingleSQLData(m_props, "select FID from IC_Web2ERPOrders where FUniqueCode ='nope'").has_value());
-
-    // a failure ends the call with the engine's complaint and leaves the tier usable
-    try {
-        info->GetSingleSQLData(m_props, "select FNoSuchColumn from t_ICItem");
-        ADD_FAILURE() << "no error";
-    } catch (const HostError& e) {
-        EXPECT_EQ(e.number(), HostErrors::Database);
-        EXPECT_TRUE(e.description().contains("FNoSuchColumn"));
-    }
-    EXPECT_EQ(value("select COUNT(*) from t_ICItem").toInt(), 40);
+    // what the engine's complaint says, and that it leaves the engine usable: test_sql_engine.cpp
+    EXPECT_THROW(info->GetSingleSQLData(m_props, "select FNoSuchColumn from t_ICItem"), HostError);
 }
 
 TEST_F(MiddleTierTest, UserProfilesAreKeptPerUserCategoryAndKey)
@@ -198,17 +187,14 @@ TEST_F(MiddleTierTest, EveryLookupFindsTheRowsOfTheDemoWarehouse)
         // the price-change cup of the Tmall order is left out
         {orderGoodsSql("10008"), goods,
          {"13||0|2|1024|1.2kg|坚果礼盒|6931000010246|0|23|天猫旗舰店|1", "14||0|2|1025|250g 明前|绿茶|6931000010253|0|24|天猫旗舰店|2"}},
-        // a numeric code also matches a numeric logistics number
-        {orderGoodsSql("773000000002"), "FEntryID,FItemID,FQuantity", {"4|1005|3", "5|1016|1"}},
         // an item without a t_ICItem row, in a shop without a name
         {orderGoodsSql("SF10010"), goods, {"18||0|2|1099||||0|0|NULL|1", "19||0|2|1017|软毛 4支装|牙刷|6931000010178|0|17|NULL|1"}},
         // serial lines carry their stock, place and batch
         {orderGoodsSql("sn10024"), "FEntryID,FBatchNo,FSPID,FItemID,FSerialClassID",
          {"57|G2405|5|1038|1", "58|T2401|1|1034|1", "59|T2402|2|1034|1"}},
-        // a code with letters is a logistics number only; other statuses are not picked
+        // a code with letters is a logistics number only
         {orderGoodsSql("TB10027"), "FEntryID", {}},
         {orderGoodsSql("YT10027"), "FEntryID,FItemID", {"63|1016"}},
-        {orderGoodsSql("10007"), "FEntryID", {}},
         {barcodeLookup("6931000010017"), "FBarCode,FItemID,FSerialClassID", {"6931000010017|1001|0"}},
         {barcodeLookup("6931000010314"), "FBarCode,FItemID,FSerialClassID", {"6931000010314|1031|1"}},
         // the inner-pack code of the cable, in other letter case
@@ -222,8 +208,6 @@ TEST_F(MiddleTierTest, EveryLookupFindsTheRowsOfTheDemoWarehouse)
         // opening balance only (third branch); a transfer not yet valid, at its target stock and place
         {serialLookup("RT-0001"), serial, {"1035|RT-0001|15||2|4||||在库"}},
         {serialLookup("RT-0002"), "FItemID,FStockID,FStockPlace", {"1035|2|4"}},
-        // another serial class, or no such serial: no row
-        {serialLookup("SPK-0001"), "FItemID", {}},
         {DeliverOnPick, "FValue", {"1"}},
         {picker(3), "FItemID,FNumber,FShortNumber,FName", {"203|E003|wf|王芳"}},
         {picker(4), "FItemID", {}},   // a user without employee

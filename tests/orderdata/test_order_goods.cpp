@@ -11,6 +11,7 @@
 #include "orderdata/order_goods.h"
 #include "orderdata/serial_lookup.h"
 #include "support/demo_database_fixture.h"
+#include "support/expected_statements.h"
 #include <QDir>
 #include <QFile>
 #include <QHash>
@@ -156,7 +157,7 @@ protected:
 
 } // namespace
 
-TEST_F(DemoOrders, OrdersLoadByCodeWithTheirPicturesOnDisk)
+TEST_F(DemoOrders, OrdersLoadByCodeWithTheirPicturesOnDiskReleasedOrdersOnly)
 {
     EXPECT_TRUE(GetGoodsLineSet().isNone());
     EXPECT_FALSE(HasGoodsLines());
@@ -176,14 +177,11 @@ TEST_F(DemoOrders, OrdersLoadByCodeWithTheirPicturesOnDisk)
     EXPECT_EQ(earphones.GetValue("GoodsBarCode").toString().size(), 13);
     // The serial state starts as the empty text (a null string would bind as NULL),
     // the counts as 16-bit zeros.
-    for (const char* key : {"FSeriNum", "FSerialID", "FKFPeriod", "FKFDate"}) {
-        EXPECT_EQ(earphones.GetValue(key).typeId(), QMetaType::QString) << key;
+    for (const char* key : {"FSeriNum", "FSerialID", "FKFPeriod", "FKFDate", "GoodsPickCnt", "GoodsCheckedCnt"}) {
+        const bool count = QByteArray(key).endsWith("Cnt");
+        EXPECT_EQ(earphones.GetValue(key).typeId(), count ? QMetaType::Short : QMetaType::QString) << key;
+        EXPECT_EQ(earphones.GetValue(key).toString(), count ? "0" : "") << key;
         EXPECT_FALSE(earphones.GetValue(key).toString().isNull()) << key;
-        EXPECT_TRUE(earphones.GetValue(key).toString().isEmpty()) << key;
-    }
-    for (const char* key : {"GoodsPickCnt", "GoodsCheckedCnt"}) {
-        EXPECT_EQ(earphones.GetValue(key).typeId(), QMetaType::Short) << key;
-        EXPECT_EQ(earphones.GetValue(key).toInt(), 0) << key;
     }
     for (const QString& picture : values(lines, "GoodsPicture")) {
         const QImage image(picture);
@@ -202,15 +200,12 @@ TEST_F(DemoOrders, OrdersLoadByCodeWithTheirPicturesOnDisk)
     EXPECT_TRUE(QFile::exists(PictureTempFolder() + "Tmp_1001"));   // not emptied for the second order
     EXPECT_EQ(goodsIds(LoadOrderGoods(QStringLiteral("773000000002"))), QStringList({"1005", "1016"}));
     EXPECT_TRUE(boxes->texts().isEmpty());
-}
 
-TEST_F(DemoOrders, StatusFilterCodeKindsAndMissingItems)
-{
-    EXPECT_EQ(LoadOrderGoods(QStringLiteral("10007")).Count(), 0);          // status 3
+    EXPECT_EQ(LoadOrderGoods(QStringLiteral("10007")).Count(), 0);          // status 3: not picked
     // The glass is a price-change product of the first shop only.
     EXPECT_EQ(goodsIds(LoadOrderGoods(QStringLiteral("10030"))), QStringList({"1010", "1005"}));
-
-    const RecordList lines = LoadOrderGoods(QStringLiteral("10010"));
+    // An item without a row of its own reads as empty texts.
+    LoadOrderGoods(QStringLiteral("10010"));
     ASSERT_EQ(goodsIds(lines), QStringList({"1099", "1017"}));
     const GoodsRecord unknown = lines.Item(0);
     for (const char* key : {"GoodsName", "FModel", "GoodsBarCode"}) {
@@ -278,8 +273,13 @@ TEST_F(DemoOrders, BarcodesSerialsAndLinesAreFoundWhereTheyStand)
 // production dates as the serial scan appends them.
 TEST_F(DemoOrders, ALineStateComesBackWholeOnItsOwnLineWhateverTheOrderOfTheReload)
 {
-    const QStringList keys{RecordKeys::GoodsCheckedCnt, RecordKeys::GoodsPickCnt, RecordKeys::FSeriNum,
-                           RecordKeys::FSerialID, RecordKeys::FKFPeriod, RecordKeys::FKFDate};
+    auto stateOf = [](const GoodsRecord& line) {
+        QStringList values;
+        for (const QString& key : {RecordKeys::GoodsCheckedCnt, RecordKeys::GoodsPickCnt, RecordKeys::FSeriNum,
+                                   RecordKeys::FSerialID, RecordKeys::FKFPeriod, RecordKeys::FKFDate})
+            values << line.GetValue(key).toString();
+        return values;
+    };
     for (const QString& code : {QStringLiteral("10009"), QStringLiteral("10021")}) {
         SCOPED_TRACE(code.toStdString());
         const bool serials = code == QLatin1String("10021");
@@ -297,10 +297,7 @@ TEST_F(DemoOrders, ALineStateComesBackWholeOnItsOwnLineWhateverTheOrderOfTheRelo
                 line.SetValue(RecordKeys::FKFPeriod, QStringLiteral(",%1").arg(360 + n));
                 line.SetValue(RecordKeys::FKFDate, QStringLiteral(",2026-0%1-15").arg(n));
             }
-            QStringList values;
-            for (const QString& key : keys)
-                values << line.GetValue(key).toString();
-            picked.insert(LineIdentity(line), values);
+            picked.insert(LineIdentity(line), stateOf(line));
         }
         ASSERT_EQ(picked.size(), lines.Count()) << "two lines share an identity";
         GoodsRecord states;
@@ -313,10 +310,7 @@ TEST_F(DemoOrders, ALineStateComesBackWholeOnItsOwnLineWhateverTheOrderOfTheRelo
         EXPECT_EQ(RestoreLineStates(reversed, states), picked.size());
         for (int i = reversed.LowerBound(); i <= reversed.UpperBound(); ++i) {
             const GoodsRecord line = reversed.Item(i);
-            QStringList values;
-            for (const QString& key : keys)
-                values << line.GetValue(key).toString();
-            EXPECT_EQ(values, picked.value(LineIdentity(line))) << LineIdentity(line).toStdString();
+            EXPECT_EQ(stateOf(line), picked.value(LineIdentity(line))) << LineIdentity(line).toStdString();
         }
     }
 }
@@ -527,4 +521,36 @@ TEST_F(OrderGoods, BuiltInDecompressorReplacesTheTargetOnlyWithAWholeStream)
     EXPECT_THROW(zip->DeCompress(temp + "missing", temp + "out"), HostError);
     EXPECT_THROW(zip->DeCompress(temp + "src", folder.path() + "/no/such/folder/out"), HostError);
     EXPECT_EQ(filesInTemp(), QStringList({"out", "src"}));
+}
+
+// The statements as the server receives them, to the character.
+TEST(Statements, EachLookupIsSentAsTheServerExpectsIt)
+{
+    using namespace ExpectedSql;
+    // Numeric: unique code or logistics number, the filter follows on the same line.
+    EXPECT_EQ(BuildOrderGoodsSql(QStringLiteral("20240001")), orderGoods(QStringLiteral("20240001"), true));
+    // Letters: logistics number only, and a line break before the filter.
+    EXPECT_EQ(BuildOrderGoodsSql(QStringLiteral("SF1234567")), orderGoods(QStringLiteral("SF1234567"), false));
+    // The runtime's numeric test decides, and the code goes in as scanned.
+    EXPECT_TRUE(BuildOrderGoodsSql(QStringLiteral(" 12 ")).contains("(t2.FUniqueCode =' 12 ' OR t2.FLogisticsOrder =' 12 ')"));
+    EXPECT_TRUE(BuildOrderGoodsSql(QStringLiteral("1.5E3")).contains("FUniqueCode ='1.5E3'"));
+    EXPECT_TRUE(BuildOrderGoodsSql(QStringLiteral("12-34")).contains(" Where t2.FLogisticsOrder ='12-34'\r\n"));
+    EXPECT_TRUE(BuildOrderGoodsSql(QStringLiteral("0x1F")).contains(" Where t2.FLogisticsOrder ='0x1F'\r\n"));
+    EXPECT_TRUE(BuildOrderGoodsSql(QStringLiteral("a'b")).contains("FLogisticsOrder ='a'b'"));
+    EXPECT_EQ(PriceChangeFilterSql(), priceChangeFilter());
+
+    // The barcode lookup reads the barcode table of all web orders.
+    EXPECT_EQ(BuildBarCodeLookupSql(QStringLiteral("6901234567892")), barcodeLookup(QStringLiteral("6901234567892")));
+    EXPECT_EQ(BuildBarCodeLookupSql(QString()).count(CrLf), 5);
+
+    // The serial lookup is the three-branch union, line by line.
+    const QString sn = QStringLiteral("SN-0001");
+    const QStringList expected = serialLookupLines(sn);
+    ASSERT_EQ(expected.size(), 84);
+    const QString sql = BuildSerialLookupSql(sn);
+    EXPECT_EQ(sql, eachLine(expected));
+    EXPECT_EQ(sql.count(CrLf), 84);
+    EXPECT_EQ(sql.count("'SN-0001'"), 3);
+    // The serial is pasted as scanned: a quote in it reaches the server unchanged.
+    EXPECT_EQ(BuildSerialLookupSql(QStringLiteral("A'B")).count("='A'B'"), 3);
 }

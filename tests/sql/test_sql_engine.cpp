@@ -193,7 +193,7 @@ TEST_P(SqlEngineTest, AMissingFileIsRefusedNotCreatedAndOpenedOnceItComes)
     }
 }
 
-TEST_P(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThem)
+TEST_P(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThemThroughReusedStatements)
 {
     auto e = engine();
     auto rs = e->executeBatch("select FItemID as Id, t.FName, t.FBarcode, t.FModel from t_ICItem t "
@@ -226,16 +226,14 @@ TEST_P(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThem)
     rs = e->executeBatch("select FID from IC_Web2ERPOrders where FLogisticsOrder ='NOPE'");
     EXPECT_TRUE(rs->isEOF());
     EXPECT_EQ(rs->columns(), QStringList({"FID"}));
-}
 
-TEST_P(SqlEngineTest, PreparedStatementsAreReusedWithTheRightRows)
-{
-    auto e = engine();
+    // Prepared statements are reused with the right rows.
     const QString shape = "select FItemID from t_Barcode where FBarCode ='%1'";
+    const int before = e->preparedCount();
     auto first = e->executeBatch(shape.arg("6931000010017"));
     const int prepared = e->preparedCount();
     // the SQLite ODBC driver's statements are prepared for each run
-    EXPECT_EQ(prepared, GetParam() == Engine::SqliteOdbc ? 0 : 1);
+    EXPECT_EQ(prepared - before, GetParam() == Engine::SqliteOdbc ? 0 : 1);
     auto second = e->executeBatch(shape.arg("6931000010055"));
     auto again = e->executeBatch(shape.arg("6931000010017"));
     // literals are bound, so one shape is one prepared statement
@@ -444,10 +442,8 @@ TEST_P(SqlEngineTest, CountersFollowEveryStatementAndCaptureKeepsWhatRan)
         ASSERT_TRUE(q.prepare(first.sql));
         for (int i = 0; i < first.params.size(); ++i)
             q.bindValue(i, first.params[i]);
-        ASSERT_TRUE(q.exec());
-        ASSERT_TRUE(q.next());
+        ASSERT_TRUE(q.exec() && q.next());
         EXPECT_EQ(q.value("FItemID").toInt(), found->Fields("FItemID").toInt());
-        EXPECT_EQ(q.value("FItemID").toInt(), 1005);
         EXPECT_FALSE(q.next());
         q = QSqlQuery();
         db.close();
