@@ -89,34 +89,19 @@ TEST(DemoDatabase, HoldsTheWarehouseTheStationNeeds)
         EXPECT_TRUE(validEan13(row[2].toString())) << row[2].toString().toStdString();
     }
     EXPECT_EQ(db.one("SELECT COUNT(*) FROM t_ICItem WHERE IFNULL(FBarcode,'') = ''").toInt(), 9);
-
-    // every serial has its F1 row; only class 1 is the station's
-    EXPECT_EQ(db.count("ICSerial"), db.count("ICSerial_F1"));
-    EXPECT_EQ(db.one("SELECT COUNT(*) FROM ICSerial WHERE FSerialClassID <> 1").toInt(), 1);
-    // serials either sit on a stock bill or in the opening balance
-    EXPECT_EQ(db.one("SELECT COUNT(*) FROM ICSerial s LEFT JOIN ICStockBill b ON b.FInterID = s.FInterID "
-                     "LEFT JOIN IcInvInitial i ON i.FSNListID = s.FSNListID WHERE b.FInterID IS NULL AND i.FID IS NULL").toInt(), 0);
-
-    // text compares without regard to case, as on the ERP's server
-    EXPECT_EQ(db.one("SELECT FID FROM IC_Web2ERPOrders WHERE FLogisticsOrder = 'sf10001'").toInt(), 1);
-    EXPECT_EQ(db.one("SELECT FItemID FROM t_Barcode WHERE FBarCode = 'dx-usbc-1m'").toInt(), 1005);
+    // Serials and text comparison on this data: the lookups of tests/middletier and tests/sql.
 
     // pictures are gzip streams of real images
     const auto pictures = db.rows("SELECT FItemID, FFileName, FData FROM t_Accessory ORDER BY FID");
     ASSERT_EQ(pictures.size(), 37);   // three items go without a picture
-    EXPECT_TRUE(db.rows("SELECT FID FROM t_Accessory WHERE FItemID IN (1023, 1030, 1040)").isEmpty());
 
     QStringList seen;
     for (const auto& row : pictures.mid(0, 5)) {
-        const QByteArray gz = row[2].toByteArray();
-        ASSERT_GE(gz.size(), 18);
-        EXPECT_EQ(quint8(gz[0]), 0x1f);
-        EXPECT_EQ(quint8(gz[1]), 0x8b);
         // the system's tool for such files must read them
         QProcess gzip;
         gzip.start("gzip", {"-dc"});
         ASSERT_TRUE(gzip.waitForStarted());
-        gzip.write(gz);
+        gzip.write(row[2].toByteArray());
         gzip.closeWriteChannel();
         ASSERT_TRUE(gzip.waitForFinished());
         EXPECT_EQ(gzip.exitCode(), 0);

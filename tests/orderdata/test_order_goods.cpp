@@ -107,8 +107,9 @@ protected:
     {
         OrderFolder::SetUp();
         publishProps(Props);
-        RegisterServerObject(ProgIds::GetData, [c = canned] { return std::make_shared<FakeGetData>(c); });
-        RegisterServerObject(ProgIds::AccessoryView, [c = canned] { return std::make_shared<FakeAccessoryView>(c); });
+        auto c = canned;
+        RegisterServerObject(ProgIds::GetData, [c] { return std::make_shared<FakeGetData>(c); });
+        RegisterServerObject(ProgIds::AccessoryView, [c] { return std::make_shared<FakeAccessoryView>(c); });
         temp = PictureTempFolder();
         ASSERT_TRUE(QDir().mkpath(temp));
     }
@@ -177,7 +178,8 @@ TEST_F(DemoOrders, OrdersLoadByCodeWithTheirPicturesOnDiskReleasedOrdersOnly)
     EXPECT_EQ(earphones.GetValue("GoodsBarCode").toString().size(), 13);
     // The serial state starts as the empty text (a null string would bind as NULL),
     // the counts as 16-bit zeros.
-    for (const char* key : {"FSeriNum", "FSerialID", "FKFPeriod", "FKFDate", "GoodsPickCnt", "GoodsCheckedCnt"}) {
+    for (const char* key : {"FSeriNum", "FSerialID", "FKFPeriod", "FKFDate", "GoodsPickCnt",
+                            "GoodsCheckedCnt"}) {
         const bool count = QByteArray(key).endsWith("Cnt");
         EXPECT_EQ(earphones.GetValue(key).typeId(), count ? QMetaType::Short : QMetaType::QString) << key;
         EXPECT_EQ(earphones.GetValue(key).toString(), count ? "0" : "") << key;
@@ -541,7 +543,6 @@ TEST(Statements, EachLookupIsSentAsTheServerExpectsIt)
 
     // The barcode lookup reads the barcode table of all web orders.
     EXPECT_EQ(BuildBarCodeLookupSql(QStringLiteral("6901234567892")), barcodeLookup(QStringLiteral("6901234567892")));
-    EXPECT_EQ(BuildBarCodeLookupSql(QString()).count(CrLf), 5);
 
     // The serial lookup is the three-branch union, line by line.
     const QString sn = QStringLiteral("SN-0001");
@@ -549,8 +550,6 @@ TEST(Statements, EachLookupIsSentAsTheServerExpectsIt)
     ASSERT_EQ(expected.size(), 84);
     const QString sql = BuildSerialLookupSql(sn);
     EXPECT_EQ(sql, eachLine(expected));
-    EXPECT_EQ(sql.count(CrLf), 84);
-    EXPECT_EQ(sql.count("'SN-0001'"), 3);
     // The serial is pasted as scanned: a quote in it reaches the server unchanged.
     EXPECT_EQ(BuildSerialLookupSql(QStringLiteral("A'B")).count("='A'B'"), 3);
 }

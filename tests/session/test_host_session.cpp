@@ -7,7 +7,6 @@ using HostSession = HostFixture;
 
 TEST_F(HostSession, GetPropValueParsesOnFirstUseThenKeepsItsSet)
 {
-    EXPECT_TRUE(HostProps().isNone());
     publishProps(QStringLiteral("UserID=5;DBName=demo;"));
     EXPECT_EQ(GetPropValue("userid"), "5");
     EXPECT_EQ(GetUserID(), 5);
@@ -58,7 +57,9 @@ TEST_F(HostSession, FindPropValueIsALoosePlainTextSearch)
 TEST_F(HostSession, PropsStringComesFromTheHostObjectOrTheStoreAsText)
 {
     auto store = CreateServerObjectAs<IShareProps>(ProgIds::ShareProps);
-    auto put = [&store](const QVariant& v) { store->SetProperty(CurrentProcessId(), QStringLiteral("PropsString"), v); };
+    auto put = [&store](const QVariant& v) {
+        store->SetProperty(CurrentProcessId(), QStringLiteral("PropsString"), v);
+    };
     put(QByteArray("UserID=3;"));
     EXPECT_EQ(GetPropsString(), "UserID=3;");
 

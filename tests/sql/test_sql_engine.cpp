@@ -247,7 +247,6 @@ TEST_P(SqlEngineTest, ReadsRowsNullsAndNamesAsTheStatementGivesThemThroughReused
 TEST_P(SqlEngineTest, WritesAreAllOrNothing)
 {
     auto e = engine();
-    // (the serial rows of a pass, replaced and refused halfway: tests/reliability)
     // a batch answers the rows of its last statement that has any
     EXPECT_EQ(scalar(*e, " Delete IC_Web2ErpOrderSerial where FEntryID=1\r\n"
                          "select COUNT(*) AS Left1 from IC_Web2ErpOrderSerial where FEntryID=1"),

@@ -52,8 +52,6 @@ TEST(TsqlTokenizer, LiteralsNamesNumbersAndComments)
     EXPECT_EQ(kinds, QStringLiteral("WS,S,SWQWQWNONWS"));
     // Control characters inside a literal are data.
     EXPECT_EQ(literals, (QStringList{QStringLiteral("中'文"), QStringLiteral("it's"), QString(), QStringLiteral("a\tb\r\nc")}));
-    EXPECT_EQ(t[1].slot, 0);
-    EXPECT_EQ(t[5].slot, 2);
     EXPECT_EQ(texts.mid(7, 7), (QStringList{"a]b", "join", "x\"y", "where", "1.5e3", "<", ".5"}));
 
     // A number glued to a keyword ends where the letters begin; an 'e' only
@@ -260,7 +258,6 @@ TEST(TsqlBridge, ShapeCacheAnswersTheSameShapeWithoutRuleWork)
     ClearTsqlBridgeCache();
     const QString head = QStringLiteral("select top 1 FID from IC_Web2ERPOrders with(nolock) where FUniqueCode ='");
     const auto first = RewriteTsqlForSqlite(head + QStringLiteral("A-1' or FLogisticsOrder ='A-1'"));
-    EXPECT_EQ(TsqlBridgeCacheStatistics().misses, 1);
     const auto second = RewriteTsqlForSqlite(head + QStringLiteral("B''2' or FLogisticsOrder =N'條碼'"));
     TsqlBridgeCacheStats stats = TsqlBridgeCacheStatistics();
     EXPECT_EQ(stats.misses, 1);
