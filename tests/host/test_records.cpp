@@ -29,14 +29,11 @@ TEST(GoodsRecord, KeysMatchInAnyCaseCopiesShareAndEveryWriteRaisesTheVersion)
     EXPECT_EQ(r.Item("Log").toString(), "A");
     EXPECT_EQ(r.version(), afterWrites) << "reads leave the version alone";
 
-    // Writing the value it already has is still a write; a refused Add and
-    // removing nothing are none.
+    // Writing the value it already has is still a write; so is a removal.
     r.SetValue("log", "A");
-    quint64 v = r.version();
+    const quint64 v = r.version();
     EXPECT_GT(v, afterWrites);
     EXPECT_THROW(r.Add("LOG", 1), HostError);
-    r.Remove("NoSuchKey");
-    EXPECT_EQ(r.version(), v);
     r.Remove("bsuccess");
     EXPECT_GT(r.version(), v);
 
@@ -45,18 +42,12 @@ TEST(GoodsRecord, KeysMatchInAnyCaseCopiesShareAndEveryWriteRaisesTheVersion)
     alias.SetValue("log", "B");
     EXPECT_EQ(r.GetValue("log").toString(), "B");
     EXPECT_EQ(alias.identity(), r.identity());
-    EXPECT_EQ(alias.version(), r.version());
     GoodsRecord clone = r.clone();
     clone.SetValue("log", "C");
     EXPECT_NE(clone.identity(), r.identity());
     EXPECT_EQ(r.GetValue("log").toString(), "B");
-    v = r.version();
-    r.Clear();
-    EXPECT_GT(r.version(), v);
 
     EXPECT_THROW(GoodsRecord::none().GetValue("x"), HostError);
-    EXPECT_EQ(GoodsRecord::none().identity(), nullptr);
-    EXPECT_EQ(GoodsRecord::none().version(), 0u);
 }
 
 TEST(RecordList, BoundsInsertRemove)
@@ -83,22 +74,18 @@ TEST(RecordList, BoundsInsertRemove)
     EXPECT_EQ(list.UpperBound(), -1);
 }
 
-TEST(Recordset, ForwardOnlyCaseInsensitiveFieldsAndNull)
+// Reading rows: test_sql_engine.cpp; here what a recordset refuses.
+TEST(Recordset, ForwardOnlyAndNoFieldPastTheEnd)
 {
-    Recordset rs({"FItemID", "FName"}, {{1, QVariant()}, {2, "x"}});
-    ASSERT_FALSE(rs.isEOF());
-    EXPECT_EQ(rs.Fields("fitemid").toInt(), 1);
-    EXPECT_TRUE(rs.Fields("FNAME").isNull());
+    Recordset rs({"FItemID", "FName"}, {{1, QVariant()}});
     EXPECT_THROW(rs.Fields("nope"), HostError);
-    rs.MoveNext();
-    EXPECT_EQ(rs.Fields("FName").toString(), "x");
     rs.MoveNext();
     EXPECT_TRUE(rs.isEOF());
     EXPECT_THROW(rs.Fields("FName"), HostError);
     EXPECT_THROW(rs.MoveNext(), HostError);
 }
 
-TEST(ObjectFactory, UnknownProgIdRegisterAndRestore)
+TEST(ObjectFactory, UnknownProgIdSharedStoreAndWrongInterface)
 {
     EXPECT_THROW(CreateServerObject("No.Such"), HostError);
     auto store = CreateServerObjectAs<IShareProps>(ProgIds::ShareProps);
@@ -108,14 +95,6 @@ TEST(ObjectFactory, UnknownProgIdRegisterAndRestore)
     EXPECT_EQ(again->GetProperty(CurrentProcessId(), "propsstring").toString(), "A=1;");
     EXPECT_TRUE(again->GetProperty(CurrentProcessId() + 1, "PropsString").isNull());
 
-    struct Fake : IShareProps {
-        QVariant GetProperty(qint64, const QString&) override { return "fake"; }
-        void SetProperty(qint64, const QString&, const QVariant&) override {}
-    };
-    RegisterServerObject(ProgIds::ShareProps, [] { return std::make_shared<Fake>(); });
-    EXPECT_EQ(CreateServerObjectAs<IShareProps>(ProgIds::ShareProps)->GetProperty(1, "x").toString(), "fake");
-    RestoreBuiltInServerObjects(ProgIds::ShareProps);
-    EXPECT_EQ(CreateServerObjectAs<IShareProps>(ProgIds::ShareProps)->GetProperty(CurrentProcessId(), "PropsString").toString(), "A=1;");
     // The wrong interface is refused rather than misused.
     EXPECT_THROW(CreateServerObjectAs<IGetData>(ProgIds::ShareProps), HostError);
 }
@@ -129,32 +108,50 @@ TEST(Platform, NumericTestAndComponentPaths)
 
     SetComponentFolder("/opt/station");
     EXPECT_EQ(ComponentPath("\\voice\\Error.wav"), "/opt/station/voice/Error.wav");
-    EXPECT_EQ(ComponentPath("\\images\\default.jpg"), "/opt/station/images/default.jpg");
     SetComponentFolder(QString());
     EXPECT_TRUE(ComponentFolder().endsWith('/'));
 }
 
-TEST(PropsText, GrammarOfThePropertyStringAndItsPasswordsMasked)
+TEST(PropsText, GrammarTrimsOnlyBlanksAndPasswordsAreMasked)
 {
-    auto p = SplitPropsText("A = 1 ; B={x;y=z} ; C");
-    ASSERT_EQ(p.size(), 3);
-    EXPECT_EQ(p[0], qMakePair(QString("A"), QString("1")));
-    EXPECT_EQ(p[1], qMakePair(QString("B"), QString("x;y=z")));
-    EXPECT_EQ(p[2], qMakePair(QString("C"), QString("")));
-    EXPECT_TRUE(SplitPropsText("").isEmpty());
-    EXPECT_EQ(SplitPropsText("A=1;A=2;").size(), 2);   // duplicates are the caller's affair
-    EXPECT_TRUE(SplitPropsText("=5;B=1").isEmpty());   // an empty key ends the reading
+    const struct {
+        QString text;
+        QStringList keysAndValues;   // key, value, key, value...
+    } grammar[] = {
+        {"A = 1 ; B={x;y=z} ; C", {"A", "1", "B", "x;y=z", "C", ""}},
+        // Text between the closing brace and the next ";" is dropped.
+        {"CS={Data Source=a;Pwd=b} junk ;UserID=5;", {"CS", "Data Source=a;Pwd=b", "UserID", "5"}},
+        {"  UserID  =  5  ;", {"UserID", "5"}},
+        {"\tUserID=5;", {"\tUserID", "5"}},
+        {"UserID\n=5;", {"UserID\n", "5"}},
+        {"UserID=\t5\r\n;", {"UserID", "\t5\r\n"}},
+        // A tab in front of the brace: the value is not braced.
+        {"CS=\t{a};", {"CS", "\t{a}"}},
+        {"CS= {a;b\t} ;", {"CS", "a;b\t"}},
+        {"A=1;A=2;", {"A", "1", "A", "2"}},   // duplicates are the caller's affair
+        {"=5;B=1", {}},                       // an empty key ends the reading
+        {"", {}},
+    };
+    for (const auto& c : grammar) {
+        QStringList got;
+        for (const auto& [key, value] : SplitPropsText(c.text))
+            got << key << value;
+        EXPECT_EQ(got, c.keysAndValues) << c.text.toStdString();
+    }
 
     // What error boxes and replay output may show of a connect string.
     const struct {
         const char* text;
         const char* masked;
     } cases[] = {
-        {"UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=s3cret};",
-         "UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=***};"},
+        {"UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=s3cret};Lang=chs;",
+         "UserID=1;ConnectString={Provider=SQLite;Data Source=/a.db;Password=***};Lang=chs;"},
+        {"Data Source=s;User ID=sa;PASSWORD = Pa5 5w!;Initial Catalog=db",
+         "Data Source=s;User ID=sa;PASSWORD = ***;Initial Catalog=db"},
         {"Driver=SQLite3;Database=/a.db;PWD = s3cret;UID=sa", "Driver=SQLite3;Database=/a.db;PWD = ***;UID=sa"},
         {"Server=s;pwd={se;c}}ret};Trusted=no", "Server=s;pwd=***;Trusted=no"},
-        {"Data Source=/a.db", "Data Source=/a.db"},
+        // other keys that merely contain the word stay
+        {"OldPwd=1;PasswordHint=2;Data Source=/a.db", "OldPwd=1;PasswordHint=2;Data Source=/a.db"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(MaskPasswords(QString::fromUtf8(c.text)), QString::fromUtf8(c.masked)) << c.text;

@@ -1,213 +1,178 @@
+// The session's language: the host's code, the built-in loaders with the
+// compiled translations beside the component, and the translation sources.
 #include "host_fakes.h"
-#include "host/error_reporter.h"
-#include "host/host_error.h"
-#include <QHash>
-#include <QWidget>
+#include "host/lang_info.h"
+#include <QFile>
+#include <QFileInfo>
+#include <QFontInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMap>
+#include <QXmlStreamReader>
 
 namespace {
 
-// What the resource loader was told and asked.
-struct LoaderLog {
-    int created = 0;
-    QString resDirectory = QStringLiteral("unset");
-    QString baseName;
-    QString languageId;
-    QStringList keys;
-    QHash<QString, QString> dictionary;
-};
-
-class FakeResLoader : public IResLoader {
-public:
-    explicit FakeResLoader(std::shared_ptr<LoaderLog> log) : m_log(std::move(log)) {}
-    void setResDirectory(const QString& dir) override { m_log->resDirectory = dir; }
-    void setResFileBaseName(const QString& name) override { m_log->baseName = name; }
-    void setLanguageID(const QString& code) override { m_log->languageId = code; }
-    QString LoadString(const QString& key) override
+class Language : public HostFixture {
+protected:
+    void TearDown() override
     {
-        m_log->keys << key;
-        if (!m_log->dictionary.contains(key))
-            throw HostError(HostErrors::KeyNotFound, key);
-        return m_log->dictionary.value(key);
+        SetHostLanguageCode(QStringLiteral("chs"));
+        HostFixture::TearDown();
     }
-
-private:
-    std::shared_ptr<LoaderLog> m_log;
+    // The host speaks code from now on, as at the start of a session.
+    static void speak(const QString& code)
+    {
+        ResetLanguageCache();
+        SetHostLanguageCode(code);
+    }
 };
 
-std::shared_ptr<LoaderLog> useFakeLoader()
+struct TsFile {
+    QMap<QString, QString> finished;   // source -> translation
+    QStringList problems;
+};
+
+TsFile readTs(const QString& language)
 {
-    auto log = std::make_shared<LoaderLog>();
-    log->dictionary = {
-        {QStringLiteral("拣货超量"), QStringLiteral("Over-picked")},
-        {QStringLiteral("确定启用商业智能？"), QStringLiteral("Enable BI?")},
-        {QStringLiteral("Velto提示"), QStringLiteral("Velto Tip")},
-        {QStringLiteral("irAmUS"), QStringLiteral("订单")},
-    };
-    RegisterServerObject(ProgIds::ResLoader, [log] {
-        ++log->created;
-        return std::make_shared<FakeResLoader>(log);
-    });
-    return log;
-}
-
-struct FontCall {
-    int calls = 0;
-    QString code;
-    bool flagSeen = false;
-    bool settingSeen = false;
-    bool fail = false;
-};
-
-class FakeFrmResLoader : public IFrmResLoader {
-public:
-    explicit FakeFrmResLoader(std::shared_ptr<FontCall> log) : m_log(std::move(log)) {}
-    QString SetFrmFont(QWidget*, const QString& languageCode, bool& flag) override
-    {
-        ++m_log->calls;
-        m_log->code = languageCode;
-        m_log->flagSeen = flag;
-        m_log->settingSeen = IsSettingFrmFont();
-        if (m_log->fail)
-            throw HostError(1, QStringLiteral("font"));
-        return QStringLiteral("done");
+    const QString here = QFileInfo(QStringLiteral(__FILE__)).absolutePath() + QStringLiteral("/../..");
+    const QString sources = qEnvironmentVariable("RNW_SOURCE_DIR", here);
+    TsFile ts;
+    QFile file(sources + QStringLiteral("/translations/RnINDUSTRY_%1.ts").arg(language));
+    if (!file.open(QIODevice::ReadOnly))
+        ts.problems << QStringLiteral("cannot open %1").arg(file.fileName());
+    QXmlStreamReader xml(&file);
+    QString context, source;
+    while (file.isOpen() && !xml.atEnd()) {
+        xml.readNext();
+        if (!xml.isStartElement())
+            continue;
+        if (xml.name() == QLatin1String("name")) {
+            context = xml.readElementText();
+        } else if (xml.name() == QLatin1String("source")) {
+            source = xml.readElementText();
+        } else if (xml.name() == QLatin1String("translation")) {
+            const bool unfinished = !xml.attributes().value(QLatin1String("type")).isEmpty();
+            const QString text = xml.readElementText();
+            const bool twice = ts.finished.contains(source);
+            if (context != QLatin1String("RnINDUSTRY") || unfinished || text.isEmpty() || twice)
+                ts.problems << context + QLatin1Char('/') + source;
+            ts.finished.insert(source, text);
+        }
     }
-
-private:
-    std::shared_ptr<FontCall> m_log;
-};
-
-class Language : public HostFixture {};
+    if (xml.hasError())
+        ts.problems << xml.errorString();
+    return ts;
+}
 
 } // namespace
 
-TEST_F(Language, TheHostsCodeChoosesTheLanguageAndSimplifiedChineseNeedsNoLoader)
+TEST_F(Language, TheHostsCodeChoosesTheLanguage)
 {
-    // The host's codes are lower case; no component means simplified Chinese.
+    // The host's codes are lower case; nothing given, or no component, means simplified Chinese.
     const struct {
         const char* code;
         int id;
         const char* used;
-    } codes[] = {{"en", 2, "en"}, {"cht", 3, "cht"}, {"EN", 1, "chs"}, {"chs", 1, "chs"}};
+    } codes[] = {{"en", 2, "en"}, {"cht", 3, "cht"}, {"EN", 1, "chs"}, {"chs", 1, "chs"}, {"", 1, "chs"}};
     for (const auto& c : codes) {
-        ResetLanguageCache();
-        useLanguage(QString::fromLatin1(c.code));
+        speak(QString::fromLatin1(c.code));
         EXPECT_EQ(GetLanguageID(), c.id) << c.code;
         EXPECT_EQ(GetLanguageCode(), QString::fromLatin1(c.used)) << c.code;
     }
-    ResetLanguageCache();
+    speak(QStringLiteral("en"));
     RegisterServerObject(ProgIds::LangInfo, nullptr);
     EXPECT_EQ(GetLanguageCode(), "chs");
-
-    ResetLanguageCache();
-    auto loader = useFakeLoader();
-    auto asked = useLanguage(QStringLiteral("chs"));
-    EXPECT_EQ(LoadString(QStringLiteral("  拣货超量  ")), "  拣货超量  ");
-    EXPECT_EQ(ExpandMessage(QStringLiteral("~$~拣货超量^|^: ^|^12")), "拣货超量: 12");
-    QString question = QStringLiteral("确定启用商业智能？");
-    EXPECT_EQ(LoadString(question), "确定启用商业智能？");
-    EXPECT_EQ(question, "确定启用商业智能？");
-    EXPECT_EQ(loader->created, 0);
-    EXPECT_EQ(*asked, 1);                       // asked once, then cached
 }
 
-TEST_F(Language, EnglishLooksUpTheTrimmedTextAndOnlyMarkedFragments)
+TEST_F(Language, TextsAndMarkedFragmentsAreTranslatedBlanksKept)
 {
-    auto loader = useFakeLoader();
-    useLanguage(QStringLiteral("en"));
-    EXPECT_EQ(LoadString(QStringLiteral("  拣货超量  ")), "  Over-picked  ");
-    EXPECT_EQ(loader->keys.last(), "拣货超量");
-    EXPECT_EQ(LoadString(QStringLiteral("拣货超量 ")), "Over-picked ");
-    // No translation: the text comes back as given, blanks and all.
-    EXPECT_EQ(LoadString(QStringLiteral(" 未知 ")), " 未知 ");
-    const int asked = loader->keys.size();
-    EXPECT_EQ(LoadString(QStringLiteral("   ")), "   ");
-    EXPECT_EQ(LoadString(QString()), "");
-    EXPECT_EQ(loader->keys.size(), asked);      // blank texts are not looked up
-    EXPECT_EQ(loader->created, 1);
-    EXPECT_EQ(loader->resDirectory, "");
-    EXPECT_EQ(loader->baseName, "RnINDUSTRY");
-    EXPECT_EQ(loader->languageId, "en");
-
+    speak(QStringLiteral("en"));
+    EXPECT_EQ(LoadString(QStringLiteral(" 拣货员 ")), " Picker ");
+    // No translation, or nothing but blanks: the text comes back as given.
+    for (const QString& text : {QStringLiteral(" 不在词典里 "), QStringLiteral("   "), QString()})
+        EXPECT_EQ(LoadString(text), text);
+    EXPECT_EQ(LoadResKey(QStringLiteral("irAmUS")), "Order ");
+    EXPECT_EQ(LoadResKey(QStringLiteral("noSuchKey")), "noSuchKey");
+    // Of a message only the parts marked ~$~ are looked up.
     EXPECT_EQ(LoadString(QStringLiteral("~$~拣货超量^|^: ^|^12")), "Over-picked: 12");
     EXPECT_EQ(ExpandMessage(QStringLiteral("拣货超量^|^: ^|^12")), "拣货超量: 12");
     EXPECT_EQ(ExpandMessage(QStringLiteral("a^|^^|^b^|^")), "ab");
     EXPECT_EQ(ExpandMessage(QStringLiteral("~$~ 拣货超量 ^|^~$~")), " Over-picked ");
     EXPECT_EQ(ExpandMessage(QStringLiteral("x~$~拣货超量^|^~$~未知")), "x~$~拣货超量未知");
+    // The one fixed question is rewritten in the caller's text, in traditional Chinese only.
+    const QString fixed = QStringLiteral("确定启用商业智能？");
+    QString question = fixed;
+    EXPECT_EQ(LoadString(question), "Enable business intelligence?");
+    EXPECT_EQ(question, fixed);
 
-    RegisterServerObject(ProgIds::ResLoader, nullptr);
-    ResetLanguageCache();
-    useLanguage(QStringLiteral("en"));
-    EXPECT_EQ(LoadString(QStringLiteral(" 拣货超量")), " 拣货超量");   // no loader: untranslated
-}
-
-TEST_F(Language, TheFixedQuestionIsRewrittenInTheCallersTextOnlyInTraditional)
-{
-    auto loader = useFakeLoader();
-    useLanguage(QStringLiteral("cht"));
-    QString question = QStringLiteral("确定启用商业智能？");
-    EXPECT_EQ(LoadString(question), "Enable BI?");
+    speak(QStringLiteral("cht"));
+    EXPECT_EQ(LoadString(QStringLiteral("此单已校验通过")), "此單已校驗通過");
+    EXPECT_EQ(LoadResKey(QStringLiteral("irAmUS")), "訂單");
+    EXPECT_EQ(LoadString(question), "確定啟用商業智能？");
     EXPECT_EQ(question, QStringLiteral("確定啟用商業智能？ "));
-    EXPECT_EQ(loader->languageId, "cht");
 
-    // A failed lookup leaves the argument alone.
-    loader->dictionary.remove(QStringLiteral("确定启用商业智能？"));
-    QString again = QStringLiteral("确定启用商业智能？");
-    EXPECT_EQ(LoadString(again), "确定启用商业智能？");
-    EXPECT_EQ(again, "确定启用商业智能？");
-
-    ResetLanguageCache();
-    useLanguage(QStringLiteral("en"));
-    loader->dictionary.insert(QStringLiteral("确定启用商业智能？"), QStringLiteral("Enable BI?"));
-    QString english = QStringLiteral("确定启用商业智能？");
-    EXPECT_EQ(LoadString(english), "Enable BI?");
-    EXPECT_EQ(english, "确定启用商业智能？");
-}
-
-TEST_F(Language, SetFrmFontHandsTheCodeAndTheRunningFlag)
-{
-    auto calls = std::make_shared<FontCall>();
-    RegisterServerObject(ProgIds::FrmResLoader, [calls] { return std::make_shared<FakeFrmResLoader>(calls); });
-    useLanguage(QStringLiteral("cht"));
-    QWidget form;
-    EXPECT_FALSE(IsSettingFrmFont());
-    EXPECT_EQ(SetFrmFont(&form), "done");
-    EXPECT_EQ(calls->code, "cht");
-    EXPECT_TRUE(calls->flagSeen);
-    EXPECT_TRUE(calls->settingSeen);
-    EXPECT_FALSE(IsSettingFrmFont());
-
-    calls->fail = true;
-    EXPECT_EQ(SetFrmFont(&form), "");
-    EXPECT_FALSE(IsSettingFrmFont());
-    EXPECT_EQ(calls->calls, 2);
-}
-
-TEST_F(Language, ErrorBoxKeepsItsTitleAndResourceKeysGoThroughTheLoader)
-{
-    auto loader = useFakeLoader();
-    auto boxes = recordMessageBoxes();
-    // The title is the box's name, no message: the same in every language.
-    for (const QString& language : {QStringLiteral("en"), QStringLiteral("cht")}) {
-        ResetLanguageCache();
-        useLanguage(language);
-        ReportError(5, QStringLiteral("x"));
-        ShowHostMessage(QStringLiteral("z"));
-    }
-    ASSERT_EQ(boxes->titles().size(), 4);
-    for (const QString& title : boxes->titles())
-        EXPECT_EQ(title, QStringLiteral("Velto提示"));
-    EXPECT_FALSE(loader->keys.contains(QStringLiteral("Velto提示")));
-    EXPECT_EQ(boxes->texts()[0], "x");
-
-    // A key that is no Chinese text is asked for even in simplified Chinese.
-    ResetLanguageCache();
-    loader->created = 0;
-    useLanguage(QStringLiteral("chs"));
-    ReportError(5, QStringLiteral("y"));
-    EXPECT_EQ(boxes->titles()[4], VeltoTitle);
-    EXPECT_EQ(loader->created, 0);
+    // Simplified Chinese: the texts as written, keys still looked up.
+    speak(QStringLiteral("chs"));
+    EXPECT_EQ(LoadString(QStringLiteral("  拣货超量  ")), "  拣货超量  ");
+    EXPECT_EQ(ExpandMessage(QStringLiteral("~$~拣货超量^|^: ^|^12")), "拣货超量: 12");
     EXPECT_EQ(LoadResKey(QStringLiteral("irAmUS")), "订单");
-    EXPECT_EQ(loader->languageId, "chs");
-    EXPECT_EQ(LoadResKey(QStringLiteral("noSuchKey")), "noSuchKey");
-    EXPECT_EQ(loader->created, 1);
+
+    // No loader: untranslated, and a failed lookup leaves the caller's text alone.
+    speak(QStringLiteral("cht"));
+    RegisterServerObject(ProgIds::ResLoader, nullptr);
+    question = fixed;
+    EXPECT_EQ(LoadString(question), fixed);
+    EXPECT_EQ(question, fixed);
+}
+
+TEST_F(Language, TranslationSourcesAreCompleteAndAgree)
+{
+    const TsFile en = readTs(QStringLiteral("en"));
+    const TsFile cht = readTs(QStringLiteral("cht"));
+    const TsFile chs = readTs(QStringLiteral("chs"));
+    for (const TsFile* ts : {&en, &cht, &chs})
+        EXPECT_TRUE(ts->problems.isEmpty()) << ts->problems.join('\n').toStdString();
+    EXPECT_EQ(en.finished.keys(), cht.finished.keys());
+    // The texts the station shows, one from each kind of place.
+    for (const char* text : {"通过", "异常", "超出", "缺少", "误拣", "件", "拣货超量", "非本单商品",
+                             "未通过，是否继续校验?", "找不到物流单号/唯一码/商品条码/序列号", "找不到物流单号/唯一码/商品条码",
+                             "商品数量只能为数值！", "序列号管理", "只显示异常", "另存为", "文本文件", "拣货员", "irAmUS"})
+        EXPECT_TRUE(en.finished.contains(QString::fromUtf8(text))) << text;
+    // Simplified Chinese only needs the keys that are not Chinese texts.
+    EXPECT_EQ(chs.finished.keys(), QStringList({"irAmUS"}));
+    // English must not leave Chinese behind.
+    for (auto it = en.finished.cbegin(); it != en.finished.cend(); ++it) {
+        for (const QChar c : it.value())
+            EXPECT_FALSE(c.unicode() >= 0x4e00 && c.unicode() <= 0x9fff) << it.key().toStdString();
+    }
+}
+
+TEST_F(Language, BuiltInFontLoaderKeepsSizesAndWeights)
+{
+    QWidget form;
+    auto* title = new QLabel(QStringLiteral("拣货员"), &form);
+    QFont big = title->font();
+    big.setPointSize(20);
+    big.setBold(true);
+    title->setFont(big);
+    auto* field = new QLineEdit(&form);
+    const qreal fieldSize = field->font().pointSizeF();
+
+    speak(QStringLiteral("cht"));
+    EXPECT_EQ(SetFrmFont(&form), "WenQuanYi Micro Hei");
+    EXPECT_EQ(QFontInfo(title->font()).family(), "WenQuanYi Micro Hei");   // installed and chosen
+    EXPECT_EQ(title->font().pointSize(), 20);
+    EXPECT_TRUE(title->font().bold());
+    EXPECT_EQ(field->font().family(), "WenQuanYi Micro Hei");
+    EXPECT_DOUBLE_EQ(field->font().pointSizeF(), fieldSize);
+    EXPECT_FALSE(field->font().bold());
+
+    speak(QStringLiteral("en"));
+    SetFrmFont(&form);
+    EXPECT_EQ(QFontInfo(title->font()).family(), "DejaVu Sans");
+    EXPECT_EQ(title->font().pointSize(), 20);
+    EXPECT_TRUE(title->font().bold());
+    // A failed call answers nothing and leaves no call marked as running.
+    EXPECT_EQ(SetFrmFont(nullptr), "");
+    EXPECT_FALSE(IsSettingFrmFont());
 }

