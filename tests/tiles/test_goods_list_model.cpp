@@ -36,9 +36,7 @@ TEST(GoodsListModelCounts, ShortCompleteExcessAndClear)
     GoodsListModel model;
     model.addGoods(line);
 
-    // Ordered 3, nothing checked: nothing picked, nothing in excess, no marks.
-    EXPECT_EQ(model.GetPickedCnt(0), 0);
-    EXPECT_EQ(model.GetExcessCnt(0), 0);
+    // Ordered 3, nothing checked: short, no marks.
     EXPECT_EQ(model.IsPicked(0), 0);
     EXPECT_FALSE(model.tile(0).okShow);
 
@@ -65,24 +63,6 @@ TEST(GoodsListModelCounts, ShortCompleteExcessAndClear)
     EXPECT_EQ(line.GetValue("GoodsCheckedCnt").toInt(), 0);
     EXPECT_EQ(model.IsPicked(0), 0);
     EXPECT_TRUE(model.tile(0).warningShow);
-}
-
-TEST(GoodsListModelCounts, IndexesOutOfRange)
-{
-    GoodsListModel model = modelWith({2, 2});
-    model.PickingGoods(1);
-
-    // One past the last line: nothing happens, queries give 0.
-    model.PickingGoods(2);
-    EXPECT_EQ(model.GetExcessCnt(2), 0);
-    EXPECT_EQ(model.tile(0).checkedCnt, 0);
-    EXPECT_EQ(model.tile(1).checkedCnt, 1);
-    EXPECT_EQ(errorNumber([&] { model.PickingGoods(-1); }), 340);
-
-    // A count at the top of the 32-bit range does not wrap round.
-    model.setCheckedCnt(0, std::numeric_limits<qint32>::max());
-    EXPECT_EQ(errorNumber([&] { model.PickingGoods(0); }), HostErrors::Overflow);
-    EXPECT_EQ(model.tile(0).checkedCnt, std::numeric_limits<qint32>::max());
 }
 
 TEST(GoodsListModelCounts, RestoresEachLineByIdentityWithMarksAndSerials)
@@ -120,13 +100,12 @@ TEST(GoodsListModelCounts, RestoresEachLineByIdentityWithMarksAndSerials)
     EXPECT_EQ(again.IsPicked(2), 2);
 }
 
-TEST(GoodsListModelLookups, GoodsAndEntryTogether)
+TEST(GoodsListModelLookups, GoodsAndEntryTogetherAndIndexesOutOfRange)
 {
     GoodsListModel model;
     model.addGoods(goodsLine(25, 7, "a", 1));
     model.addGoods(goodsLine(QStringLiteral("31"), 8, "b", 1));
     model.addGoods(goodsLine(25, 9, "c", 1));
-
     EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("   ")), -2);
     EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("25")), 0);   // two lines share it: the lower
     EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("99")), -1);
@@ -135,6 +114,16 @@ TEST(GoodsListModelLookups, GoodsAndEntryTogether)
     EXPECT_EQ(model.findLine(31, 8), 1);
     EXPECT_EQ(model.findLine(25, 9), 2);
     EXPECT_EQ(model.findLine(25, 1), -1);
+
+    // One past the last line counts nothing; below the first is an error.
+    model.PickingGoods(3);
+    EXPECT_EQ(model.GetExcessCnt(3), 0);
+    EXPECT_EQ(model.tile(2).checkedCnt, 0);
+    EXPECT_EQ(errorNumber([&] { model.PickingGoods(-1); }), 340);
+    // A count at the top of the 32-bit range does not wrap round.
+    model.setCheckedCnt(0, std::numeric_limits<qint32>::max());
+    EXPECT_EQ(errorNumber([&] { model.PickingGoods(0); }), HostErrors::Overflow);
+    EXPECT_EQ(model.tile(0).checkedCnt, std::numeric_limits<qint32>::max());
 }
 
 TEST(GoodsListModelLayout, EveryLineCanBeScrolledIntoView)
