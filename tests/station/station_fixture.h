@@ -27,6 +27,13 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+// A server that refuses the picking status and the delivery.
+class FailingSaveData : public ISaveData {
+public:
+    void SavePickingGoods(const GoodsRecord&) override { throw HostError(HostErrors::Database, QStringLiteral("保存失败")); }
+    void UpdateDeliveryData(const QString&, qint64) override { throw HostError(HostErrors::Database, QStringLiteral("发货失败")); }
+};
+
 class StationFormTest : public ::testing::Test {
 protected:
     void SetUp() override

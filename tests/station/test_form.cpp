@@ -6,21 +6,16 @@
 
 namespace {
 
+// Answers each pick with the next scripted result, and keeps the texts it was opened with.
 class ScriptedPicker : public IEmployeePicker {
 public:
-    struct Calls {
-        QStringList texts;
-        QList<EmployeePickResult> results;
-    };
-    explicit ScriptedPicker(std::shared_ptr<Calls> calls) : m_calls(std::move(calls)) {}
+    QStringList texts;
+    QList<EmployeePickResult> results;
     EmployeePickResult Pick(QWidget*, const QString&, const QString& text) override
     {
-        m_calls->texts << text;
-        return m_calls->results.isEmpty() ? EmployeePickResult() : m_calls->results.takeFirst();
+        texts << text;
+        return results.isEmpty() ? EmployeePickResult() : results.takeFirst();
     }
-
-private:
-    std::shared_ptr<Calls> m_calls;
 };
 
 EmployeePickResult picked(bool ok, bool detail, const QString& name, int itemId)
@@ -67,7 +62,7 @@ TEST_F(StationFormTest, CreationShowsThePickerAndAnEmptyStation)
     EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
 }
 
-TEST_F(StationFormTest, OptionsSurviveARestartPerUser)
+TEST_F(StationFormTest, OptionsAreKeptPerUserAndReadAsTheyWereStored)
 {
     const auto options = [this] {
         const StationControls c = controls(m_form);
@@ -94,26 +89,23 @@ TEST_F(StationFormTest, OptionsSurviveARestartPerUser)
     openStation();
     EXPECT_EQ(options(), QStringLiteral("100tiles"));
     ASSERT_TRUE(closeStation());
-    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
-}
 
-TEST_F(StationFormTest, AStoredZeroUnchecksAnOptionAnythingElseChecksIt)
-{
-    struct Case {
+    // A stored zero unchecks chkBarCode and chkHaveSerial, anything else checks them;
+    // chkShowText takes the stored number as its value.
+    const struct {
         const char* stored;
-        bool checked;               // chkBarCode and chkHaveSerial
-        Qt::CheckState showText;    // chkShowText takes the stored number as its value
-    };
-    const Case cases[] = {
+        bool checked;
+        Qt::CheckState showText;
+    } cases[] = {
         {"0", false, Qt::Unchecked},     {"1", true, Qt::Checked},          {"1.0", true, Qt::Checked},
         {"yes", true, Qt::Unchecked},    {"2", true, Qt::PartiallyChecked}, {"-1", true, Qt::Unchecked},
         {" 0 ", false, Qt::Unchecked},   {"0.0", false, Qt::Unchecked},
     };
-    for (const Case& c : cases) {
+    const QString insert = QStringLiteral("INSERT INTO t_UserProfile (FUserID, FCategory, FKey, FName, FValue) "
+                                          "VALUES (2, 'EC', ?, ?, ?)");
+    for (const auto& c : cases) {
         const QString stored = QString::fromLatin1(c.stored);
-        dbExec(QStringLiteral("DELETE FROM t_UserProfile WHERE FUserID = 1"));
-        const QString insert = QStringLiteral("INSERT INTO t_UserProfile (FUserID, FCategory, FKey, FName, FValue) "
-                                              "VALUES (1, 'EC', ?, ?, ?)");
+        dbExec(QStringLiteral("DELETE FROM t_UserProfile WHERE FUserID = 2"));
         dbExec(insert, {QStringLiteral("PickGoods_chkBarCode"), QStringLiteral("chkBarCode"), stored});
         dbExec(insert, {QStringLiteral("PickGoods_chkShowText"), QStringLiteral("chkHaveSerial"), stored});
         dbExec(insert, {QStringLiteral("PickGoods_chkShowText"), QStringLiteral("chkShowText"), stored});
@@ -121,9 +113,9 @@ TEST_F(StationFormTest, AStoredZeroUnchecksAnOptionAnythingElseChecksIt)
         EXPECT_EQ(controls(form).chkBarCode->isChecked(), c.checked) << c.stored;
         EXPECT_EQ(controls(form).chkHaveSerial->isChecked(), c.checked) << c.stored;
         EXPECT_EQ(controls(form).chkShowText->checkState(), c.showText) << c.stored;
-        EXPECT_TRUE(m_rec->boxes.isEmpty()) << c.stored << ": " << boxTexts().join('|').toStdString();
         ASSERT_TRUE(closeStation());
     }
+    EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join('|').toStdString();
 }
 
 TEST_F(StationFormTest, ClosingAsksOnlyWhileAnOrderIsUnfinishedAndYesGoesOnChecking)
@@ -204,8 +196,8 @@ TEST_F(StationFormTest, EntryFieldsSelectOnFocusEmptyOnClickAndTxtIdShowsTheOrde
 
 TEST_F(StationFormTest, F7AndDoubleClickOpenTheSamePicker)
 {
-    auto calls = std::make_shared<ScriptedPicker::Calls>();
-    RegisterServerObject(ProgIds::EmployeePicker, [calls] { return std::make_shared<ScriptedPicker>(calls); });
+    auto calls = std::make_shared<ScriptedPicker>();
+    RegisterServerObject(ProgIds::EmployeePicker, [calls] { return calls; });
     frmPickigGoods* form = openStation();
     const StationControls c = controls(form);
 

@@ -11,12 +11,15 @@ const QString GS{QChar(Gs1GroupSeparator)};
 
 using Form = Gs1ElementString::Form;
 
+// "(AI)value..." of what was read, then " error <reason> <AI>"; "plain" for no element string.
 QString describe(const Gs1ElementString& s)
 {
-    QStringList parts;
+    if (!s.recognised())
+        return s.elements.isEmpty() && s.error.isEmpty() ? QStringLiteral("plain") : QStringLiteral("plain with fields");
+    QString text;
     for (const Gs1Element& e : s.elements)
-        parts << QLatin1Char('(') + e.ai + QLatin1Char(')') + e.value;
-    return parts.join(QString()) + (s.error.isEmpty() ? QString() : QStringLiteral(" error ") + s.error + QLatin1Char(' ') + s.errorAi);
+        text += QLatin1Char('(') + e.ai + QLatin1Char(')') + e.value;
+    return text + (s.error.isEmpty() ? QString() : QStringLiteral(" error ") + s.error + QLatin1Char(' ') + s.errorAi);
 }
 
 } // namespace
@@ -24,29 +27,25 @@ QString describe(const Gs1ElementString& s)
 TEST(Gs1ElementString, EveryFormReadsTheSameFields)
 {
     const QList<Gs1Element> expected{{"01", "06931000010017"}, {"10", "LOT-A7"}, {"17", "261231"}, {"21", "W1-0001"}};
+    const QString sign{QChar(Gs1GroupSeparatorSign)};   // what a scan field keeps for GS
     const struct {
-        const char* what;
         QString scan;
         Form form;
     } cases[] = {
-        {"GS1-128", "]C10106931000010017" "10LOT-A7" + GS + "17261231" "21W1-0001", Form::SymbologyId},
-        {"GS1 DataMatrix, GS after a fixed field too", "]d20106931000010017" + GS + "10LOT-A7" + GS + "1726123121W1-0001",
-         Form::SymbologyId},
-        {"GS1 QR", "]Q30106931000010017" "10LOT-A7" + GS + "1726123121W1-0001", Form::SymbologyId},
-        {"GS1 DataBar", "]e00106931000010017" "10LOT-A7" + GS + "1726123121W1-0001", Form::SymbologyId},
-        {"leading FNC1", GS + "0106931000010017" "10LOT-A7" + GS + "1726123121W1-0001", Form::LeadingFnc1},
-        {"the sign a scan field keeps for GS", QChar(Gs1GroupSeparatorSign) + QStringLiteral("0106931000010017" "10LOT-A7")
-                                                   + QChar(Gs1GroupSeparatorSign) + "1726123121W1-0001",
-         Form::LeadingFnc1},
-        {"human-readable", "(01)06931000010017(10)LOT-A7(17)261231(21)W1-0001", Form::HumanReadable},
+        {"]C10106931000010017" "10LOT-A7" + GS + "17261231" "21W1-0001", Form::SymbologyId},   // GS1-128
+        {"]d20106931000010017" + GS + "10LOT-A7" + GS + "1726123121W1-0001", Form::SymbologyId},   // GS after a fixed field
+        {"]Q30106931000010017" "10LOT-A7" + GS + "1726123121W1-0001", Form::SymbologyId},
+        {"]e00106931000010017" "10LOT-A7" + GS + "1726123121W1-0001", Form::SymbologyId},
+        {GS + "0106931000010017" "10LOT-A7" + GS + "1726123121W1-0001", Form::LeadingFnc1},
+        {sign + "0106931000010017" "10LOT-A7" + sign + "1726123121W1-0001", Form::LeadingFnc1},
+        {"(01)06931000010017(10)LOT-A7(17)261231(21)W1-0001", Form::HumanReadable},
     };
     for (const auto& c : cases) {
         const Gs1ElementString s = ParseGs1ElementString(c.scan);
-        EXPECT_EQ(s.form, c.form) << c.what;
-        EXPECT_TRUE(s.ok()) << c.what << ": " << describe(s).toStdString();
-        EXPECT_EQ(s.elements, expected) << c.what << ": " << describe(s).toStdString();
-        EXPECT_EQ(s.value("17"), QStringLiteral("261231")) << c.what;
-        EXPECT_FALSE(s.value("30").has_value()) << c.what;
+        EXPECT_EQ(s.form, c.form) << c.scan.toStdString();
+        EXPECT_TRUE(s.ok() && s.elements == expected) << c.scan.toStdString() << ": " << describe(s).toStdString();
+        EXPECT_EQ(s.value("17"), QStringLiteral("261231")) << c.scan.toStdString();
+        EXPECT_FALSE(s.value("30").has_value()) << c.scan.toStdString();
     }
 
     // Formatting gives back a string that reads the same.
@@ -55,59 +54,36 @@ TEST(Gs1ElementString, EveryFormReadsTheSameFields)
     EXPECT_EQ(ParseGs1ElementString(FormatGs1Transmitted(expected)).elements, expected);
 }
 
-TEST(Gs1ElementString, PlainCodesAreNoElementStrings)
+TEST(Gs1ElementString, FieldsAreReadOrRefusedWithTheirReasonAndPlainCodesStayPlain)
 {
-    for (const char* plain : {"6931000010017", "W1-0001", "DX-USBC-1M", "", "]E06931000010017", "]C0123", "(ab)12",
-                              "(88)123", "10001", "SF10001"}) {
-        const Gs1ElementString s = ParseGs1ElementString(QString::fromUtf8(plain));
-        EXPECT_FALSE(s.recognised()) << plain;
-        EXPECT_TRUE(s.error.isEmpty()) << plain;
-        EXPECT_TRUE(s.elements.isEmpty()) << plain;
-    }
-}
-
-TEST(Gs1ElementString, WrongFieldsAreRefusedWithTheirReason)
-{
+    // What is read as (AI)value, or " error <reason> <AI>", or "plain".
     const struct {
         QString scan;
-        const char* error;
-        const char* ai;
+        const char* read;
     } cases[] = {
-        {"(01)06931000010018", "GS1条码的校验位不正确", "01"},
-        {"]C100106931000010017000", "GS1条码的校验位不正确", "00"},
-        {"(01)0693100001001", "GS1条码的字段长度不正确", "01"},
-        {"(01)0693100001001A", "GS1条码的字段含有不允许的字符", "01"},
-        {"(17)261301", "GS1条码的日期不正确", "17"},
-        {"(15)250229", "GS1条码的日期不正确", "15"},
-        {"(10)LOT A7", "GS1条码的字段含有不允许的字符", "10"},
-        {"]C10106931000010017" "21" + QString(25, QLatin1Char('S')), "GS1条码的字段长度不正确", "21"},
-        {"(30)12a", "GS1条码的字段含有不允许的字符", "30"},
-        {"(37)123456789", "GS1条码的字段长度不正确", "37"},
-        {"(10)", "GS1条码的字段长度不正确", "10"},
-        {"(10)A(10)B", "GS1条码中同一标识符有不同的值", "10"},
-        {"]C1", "GS1条码中没有数据", ""},
-        {"]C10106931000010017" "88X", "GS1条码中有无法识别的应用标识符", "88"},
-        {"]C1(01)06931000010017", "GS1条码中有无法识别的应用标识符", ""},
+        {"]C10106931000010017" "3712" + GS + "3103001250" "30" "5", "(01)06931000010017(37)12(3103)001250(30)5"},
+        {"(10)A(21)1(10)A", "(10)A(21)1(10)A"},   // the same AI twice with the same value is one field said twice
+        {"(01)06931000010018", " error GS1条码的校验位不正确 01"},
+        {"]C100106931000010017000", " error GS1条码的校验位不正确 00"},
+        {"(01)0693100001001", " error GS1条码的字段长度不正确 01"},
+        {"(01)0693100001001A", " error GS1条码的字段含有不允许的字符 01"},
+        {"(17)261301", " error GS1条码的日期不正确 17"},
+        {"(15)250229", " error GS1条码的日期不正确 15"},
+        {"(10)LOT A7", " error GS1条码的字段含有不允许的字符 10"},
+        {"]C10106931000010017" "21" + QString(25, QLatin1Char('S')), " error GS1条码的字段长度不正确 21"},
+        {"(30)12a", " error GS1条码的字段含有不允许的字符 30"},
+        {"(37)123456789", " error GS1条码的字段长度不正确 37"},
+        {"(10)", " error GS1条码的字段长度不正确 10"},
+        {"(10)A(10)B", " error GS1条码中同一标识符有不同的值 10"},
+        {"]C1", " error GS1条码中没有数据 "},
+        {"]C10106931000010017" "88X", " error GS1条码中有无法识别的应用标识符 88"},
+        {"]C1(01)06931000010017", " error GS1条码中有无法识别的应用标识符 "},
     };
-    for (const auto& c : cases) {
-        const Gs1ElementString s = ParseGs1ElementString(c.scan);
-        EXPECT_TRUE(s.recognised() && !s.ok()) << c.scan.toStdString();
-        EXPECT_EQ(s.error, QString::fromUtf8(c.error)) << c.scan.toStdString() << ": " << describe(s).toStdString();
-        EXPECT_EQ(s.errorAi, QString::fromUtf8(c.ai)) << c.scan.toStdString();
-        EXPECT_TRUE(s.elements.isEmpty()) << c.scan.toStdString();
-    }
-}
-
-TEST(Gs1ElementString, CountsAndMeasures)
-{
-    const Gs1ElementString counts = ParseGs1ElementString("]C10106931000010017" "3712" + GS + "3103001250" "30" "5");
-    ASSERT_TRUE(counts.ok()) << describe(counts).toStdString();
-    EXPECT_EQ(counts.value("37"), QStringLiteral("12"));
-    EXPECT_EQ(counts.value("3103"), QStringLiteral("001250"));
-    EXPECT_EQ(counts.value("30"), QStringLiteral("5"));
-
-    // The same AI twice with the same value is one field said twice.
-    EXPECT_TRUE(ParseGs1ElementString("(10)A(21)1(10)A").ok());
+    for (const auto& c : cases)
+        EXPECT_EQ(describe(ParseGs1ElementString(c.scan)), QString::fromUtf8(c.read)) << c.scan.toStdString();
+    for (const char* plain : {"6931000010017", "W1-0001", "DX-USBC-1M", "", "]E06931000010017", "]C0123", "(ab)12",
+                              "(88)123", "10001", "SF10001"})
+        EXPECT_EQ(describe(ParseGs1ElementString(QString::fromUtf8(plain))), QStringLiteral("plain")) << plain;
 }
 
 TEST(Gs1Scan, ElementStringsGiveTheirFieldsAndPlainCodesStayPlain)
