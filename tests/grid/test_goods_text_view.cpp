@@ -4,10 +4,6 @@
 #include "grid/order_fixture.h"
 #include "host/platform.h"
 #include <QAbstractItemDelegate>
-#include <QApplication>
-#include <QHeaderView>
-#include <QProxyStyle>
-#include <QSet>
 #include <QStyleOptionViewItem>
 #include <QTableWidget>
 
@@ -150,48 +146,4 @@ TEST_F(GoodsTextViewTest, BarcodesAndModelsFitTheirColumnsAndCountsStayLarge)
     }
     // The counts are read from a step away: drawn larger than the texts beside them.
     EXPECT_GT(needs(3, GoodsTextView::ColOrderCnt).height(), needs(3, GoodsTextView::ColBarCode).height());
-}
-
-namespace {
-
-// Sees the palette each row-number section is painted with.
-class SectionPalettes : public QProxyStyle {
-public:
-    using QProxyStyle::QProxyStyle;
-    mutable QSet<qint64> keys;
-    mutable int sections = 0;
-    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
-                     const QWidget* widget) const override
-    {
-        if (element == CE_HeaderSection) {
-            keys.insert(option->palette.cacheKey());
-            ++sections;
-        }
-        QProxyStyle::drawControl(element, option, painter, widget);
-    }
-};
-
-} // namespace
-
-TEST_F(GoodsTextViewTest, RowNumbersOfOneColourShareOnePalette)
-{
-    load({{2, 10, "甲", "", "", 1}, {3, 20, "乙", "", "", 2}, {4, 30, "丙", "", "", 1}, {5, 40, "丁", "", "", 3}});
-    SectionPalettes style(QApplication::style()->name());
-    GoodsTextView view;
-    view.resize(900, 400);
-    view.LoadPickingGoods();
-    view.PickingGoodsNew(10, 2);   // green
-    view.PickingGoodsNew(30, 4);
-    view.PickingGoodsNew(30, 4);   // red
-    view.RefreshGoodsNew(10, 2);
-    ASSERT_EQ(view.rowColor(3), Green);
-    ASSERT_EQ(view.rowColor(4), Red);
-    view.fpGoods()->verticalHeader()->setStyle(&style);
-    for (int i = 0; i < 10; ++i)
-        view.grab();
-    // Every paint used to hand the style a palette of its own, which the style
-    // keeps a picture for: a station painting all day kept growing.
-    EXPECT_GE(style.sections, 40);
-    EXPECT_LE(style.keys.size(), 3) << "one palette per row colour";
-    view.fpGoods()->verticalHeader()->setStyle(nullptr);
 }

