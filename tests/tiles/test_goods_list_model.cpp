@@ -65,7 +65,7 @@ TEST(GoodsListModelCounts, ShortCompleteExcessAndClear)
     EXPECT_TRUE(model.tile(0).warningShow);
 }
 
-TEST(GoodsListModelCounts, RestoresEachLineByIdentityWithMarksAndSerials)
+TEST(GoodsListModelCounts, RestoresEachLineByIdentityAndFindsLinesByGoodsAndEntry)
 {
     // The same goods on two entries, and a third goods.
     GoodsListModel model;
@@ -98,32 +98,24 @@ TEST(GoodsListModelCounts, RestoresEachLineByIdentityWithMarksAndSerials)
     // The tiles count on from the restored counts.
     again.PickingGoods(2);
     EXPECT_EQ(again.IsPicked(2), 2);
-}
 
-TEST(GoodsListModelLookups, GoodsAndEntryTogetherAndIndexesOutOfRange)
-{
-    GoodsListModel model;
-    model.addGoods(goodsLine(25, 7, "a", 1));
-    model.addGoods(goodsLine(QStringLiteral("31"), 8, "b", 1));
-    model.addGoods(goodsLine(25, 9, "c", 1));
-    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("   ")), -2);
-    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("25")), 0);   // two lines share it: the lower
-    EXPECT_EQ(model.GetGoodsIndex(QStringLiteral("99")), -1);
-    EXPECT_EQ(model.GetGoodsIndexNew(QStringLiteral("25"), 9), 2);
-    EXPECT_EQ(model.GetGoodsIndexNew(QStringLiteral("25"), 8), -1);
-    EXPECT_EQ(model.findLine(31, 8), 1);
-    EXPECT_EQ(model.findLine(25, 9), 2);
-    EXPECT_EQ(model.findLine(25, 1), -1);
+    // Look-ups by goods, and by goods and entry together.
+    EXPECT_EQ(again.GetGoodsIndex(QStringLiteral("   ")), -2);
+    EXPECT_EQ(again.GetGoodsIndex(QStringLiteral("100")), 1);   // two lines share it: the lower
+    EXPECT_EQ(again.GetGoodsIndex(QStringLiteral("99")), -1);
+    EXPECT_EQ(again.GetGoodsIndexNew(QStringLiteral("100"), 1), 2);
+    EXPECT_EQ(again.GetGoodsIndexNew(QStringLiteral("100"), 3), -1);
+    EXPECT_EQ(again.findLine(100, 2), 1);
+    EXPECT_EQ(again.findLine(102, 1), -1);
 
     // One past the last line counts nothing; below the first is an error.
-    model.PickingGoods(3);
-    EXPECT_EQ(model.GetExcessCnt(3), 0);
-    EXPECT_EQ(model.tile(2).checkedCnt, 0);
-    EXPECT_EQ(errorNumber([&] { model.PickingGoods(-1); }), 340);
+    again.PickingGoods(3);
+    EXPECT_EQ(again.GetExcessCnt(3), 0);
+    EXPECT_EQ(errorNumber([&] { again.PickingGoods(-1); }), 340);
     // A count at the top of the 32-bit range does not wrap round.
-    model.setCheckedCnt(0, std::numeric_limits<qint32>::max());
-    EXPECT_EQ(errorNumber([&] { model.PickingGoods(0); }), HostErrors::Overflow);
-    EXPECT_EQ(model.tile(0).checkedCnt, std::numeric_limits<qint32>::max());
+    again.setCheckedCnt(0, std::numeric_limits<qint32>::max());
+    EXPECT_EQ(errorNumber([&] { again.PickingGoods(0); }), HostErrors::Overflow);
+    EXPECT_EQ(again.tile(0).checkedCnt, std::numeric_limits<qint32>::max());
 }
 
 TEST(GoodsListModelLayout, EveryLineCanBeScrolledIntoView)
