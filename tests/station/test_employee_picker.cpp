@@ -8,7 +8,7 @@
 
 namespace {
 
-// Answers the next modal window that opens: hands it to `act` once it shows.
+// Hands the next modal window to `act` once it shows (polled for five seconds at most).
 void whenModalShows(std::function<void(QWidget*)> act)
 {
     auto* timer = new QTimer(qApp);
@@ -43,12 +43,11 @@ TEST_F(StationFormTest, TheEmployeePickerFiltersAndReturnsTheChosenEmployee)
     for (const QString& text : {QStringLiteral("%"), QStringLiteral("E00_"), QStringLiteral("' OR 1=1 --")})
         EXPECT_TRUE(names(text).isEmpty()) << text.toStdString();
 
-    // The dialog, opened by F7 with the field's text: down twice from the
-    // first match, then Enter, takes the third employee.
+    // Opened by F7 with the field's text: down twice from the first match, then
+    // Enter, takes the third employee.
     frmPickigGoods* form = openStation();
     RestoreBuiltInServerObjects(ProgIds::EmployeePicker);
-    QString title, filterText;
-    int rows = 0;
+    QString seen;
     whenModalShows([&](QWidget* modal) {
         auto* filter = modal->findChild<QLineEdit*>(QStringLiteral("txtFilter"));
         auto* table = modal->findChild<QTableWidget*>(QStringLiteral("grdEmployees"));
@@ -56,24 +55,20 @@ TEST_F(StationFormTest, TheEmployeePickerFiltersAndReturnsTheChosenEmployee)
             modal->close();
             return;
         }
-        title = modal->windowTitle();
-        filterText = filter->text();
+        seen = modal->windowTitle() + QLatin1Char('|') + filter->text();
         filter->setText(QStringLiteral("E00"));
-        rows = table->rowCount();
+        seen += QLatin1Char('|') + QString::number(table->rowCount());
         QTest::keyClick(filter, Qt::Key_Down);
         QTest::keyClick(filter, Qt::Key_Down);
         QTest::keyClick(filter, Qt::Key_Return);
     });
     QTest::keyClick(controls(form).TxtEmployee, Qt::Key_F7);
-    EXPECT_EQ(title, QStringLiteral("选择职员"));
-    EXPECT_EQ(filterText, QStringLiteral("张伟"));
-    EXPECT_EQ(rows, 4);
+    EXPECT_EQ(seen, QStringLiteral("选择职员|张伟|4"));
     EXPECT_EQ(controls(form).TxtEmployee->text(), QStringLiteral("王芳"));
     EXPECT_EQ(controls(form).TxtEmployee->property("Tag").toInt(), 203);
 
     // Cancelled: nothing chosen.
     whenModalShows([](QWidget* modal) { static_cast<QDialog*>(modal)->reject(); });
     const EmployeePickResult result = CreateServerObjectAs<IEmployeePicker>(ProgIds::EmployeePicker)->Pick(nullptr, props, QString());
-    EXPECT_FALSE(result.ReturnOK);
-    EXPECT_FALSE(result.ReturnObject.Detail);
+    EXPECT_FALSE(result.ReturnOK || result.ReturnObject.Detail);
 }

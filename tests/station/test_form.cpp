@@ -1,7 +1,6 @@
 // The station form as a worker meets it: creation and the entry fields, options
 // kept per user, the close question and the picker.
 #include "station/station_fixture.h"
-#include <QClipboard>
 #include <QSignalSpy>
 
 namespace {
@@ -17,16 +16,6 @@ public:
         return results.isEmpty() ? EmployeePickResult() : results.takeFirst();
     }
 };
-
-EmployeePickResult picked(bool ok, bool detail, const QString& name, int itemId)
-{
-    EmployeePickResult r;
-    r.ReturnOK = ok;
-    r.ReturnObject.Detail = detail;
-    r.ReturnObject.Name = name;
-    r.ReturnObject.Itemid = itemId;
-    return r;
-}
 
 } // namespace
 
@@ -99,8 +88,6 @@ TEST_F(StationFormTest, OptionsAreKeptPerUserAndReadAsTheyWereStored)
     controls(form).chkBarCode->setChecked(false);
     controls(form).chkHaveSerial->setChecked(true);
     QTest::mouseClick(controls(form).chkShowText, Qt::LeftButton, {}, QPoint(8, controls(form).chkShowText->height() / 2));
-    EXPECT_TRUE(form->IsGridView());
-    EXPECT_FALSE(controls(form).GoodsTextView->isHidden());
     ASSERT_TRUE(closeStation());
     EXPECT_EQ(dbValue(QStringLiteral("SELECT group_concat(FName || '=' || FValue) FROM (SELECT * FROM t_UserProfile "
                                      "WHERE FUserID = 1 AND FKey LIKE 'PickGoods_%' ORDER BY FName)")).toString(),
@@ -164,10 +151,8 @@ TEST_F(StationFormTest, ClosingAsksOnlyWhileAnOrderIsUnfinishedAndYesGoesOnCheck
     scanGoods(form, 1001);
     m_rec->answers.enqueue(MsgBox::Yes);
     EXPECT_FALSE(closeStation());
-    ASSERT_EQ(m_rec->boxes.size(), 1);
-    EXPECT_EQ(m_rec->boxes[0].text, LoadResKey(QStringLiteral("irAmUS")) + QStringLiteral("10001未通过，是否继续校验?"));
-    EXPECT_EQ(m_rec->boxes[0].flags, 36);
-    EXPECT_EQ(m_rec->boxes[0].title, QStringLiteral("Velto提示"));
+    EXPECT_EQ(boxTexts(), QStringList{LoadResKey(QStringLiteral("irAmUS")) + QStringLiteral("10001未通过，是否继续校验?")});
+    EXPECT_EQ(m_rec->boxes.value(0).flags, 36);   // Yes and No, a question
     // Yes: the same order comes back from the session log, counts and all.
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(controls(form).TxtID->text(), QStringLiteral("10001"));
@@ -190,7 +175,8 @@ TEST_F(StationFormTest, F7AndDoubleClickOpenTheSamePicker)
     frmPickigGoods* form = openStation();
     const StationControls c = controls(form);
 
-    calls->results << picked(true, true, QStringLiteral("李娜"), 202) << picked(true, true, QStringLiteral("王芳"), 203);
+    calls->results << EmployeePickResult{true, {true, QStringLiteral("李娜"), 202}}
+                   << EmployeePickResult{true, {true, QStringLiteral("王芳"), 203}};
     QTest::keyClick(c.TxtEmployee, Qt::Key_F7);
     EXPECT_EQ(c.TxtEmployee->text(), QStringLiteral("李娜"));
     QTest::mouseDClick(c.TxtEmployee, Qt::LeftButton);
@@ -199,7 +185,8 @@ TEST_F(StationFormTest, F7AndDoubleClickOpenTheSamePicker)
     EXPECT_EQ(c.TxtEmployee->property("Tag").toInt(), 203);
 
     // A cancelled pick, or a pick of no single employee, changes nothing.
-    calls->results << picked(false, true, QStringLiteral("刘洋"), 204) << picked(true, false, QStringLiteral("刘洋"), 204);
+    calls->results << EmployeePickResult{false, {true, QStringLiteral("刘洋"), 204}}
+                   << EmployeePickResult{true, {false, QStringLiteral("刘洋"), 204}};
     QTest::keyClick(c.TxtEmployee, Qt::Key_F7);
     QTest::mouseDClick(c.TxtEmployee, Qt::LeftButton);
     EXPECT_EQ(calls->texts.size(), 4);
@@ -238,19 +225,12 @@ TEST(ScanLineEdit, ScanOfRefusedCharactersOnlyIsNoScan)
     EXPECT_EQ(enter.count(), 1);
     EXPECT_EQ(refused.count(), 1);
 
-    // Pasted at the end: nothing kept, nothing changed.
-    field.end(false);
-    QApplication::clipboard()->setText(QStringLiteral("\u2019\u2019"));
-    field.paste();
-    QTest::keyClick(&field, Qt::Key_Return);
-    EXPECT_EQ(enter.count(), 1);
-    EXPECT_EQ(refused.count(), 2);
-
     // A plain Enter, and a scan with a character kept, are scans.
+    field.end(false);
     QTest::keyClick(&field, Qt::Key_Return);
     QTest::keyClicks(&field, QStringLiteral("'7"));
     QTest::keyClick(&field, Qt::Key_Return);
     EXPECT_EQ(enter.count(), 3);
-    EXPECT_EQ(refused.count(), 2);
+    EXPECT_EQ(refused.count(), 1);
     EXPECT_EQ(field.text(), QStringLiteral("69310000101477"));
 }
