@@ -1,6 +1,6 @@
 #pragma once
 // Orders loaded into the module-wide goods set through the real LoadOrderGoods,
-// from rows the test gives to the middle tier; error boxes are recorded.
+// from rows the test gives to the middle tier (the tiles' too); error boxes are recorded.
 #include "host/object_factory.h"
 #include "host/recordset.h"
 #include "host/server_objects.h"
@@ -26,14 +26,15 @@ struct OrderRow {
 class RowsGetData : public IGetData {
 public:
     std::vector<OrderRow> rows;
+    QVariant picId;   // NULL: no picture is written
     RecordsetPtr ExecuteSQL(const QString&, const QString&) override
     {
         const QStringList columns = {"FEntryID", "FBatchNo", "FSPID", "FStockID", "FItemID", "FModel", "FItemName",
                                      "FBarCode", "FSerialClassID", "FPicID", "FWebshopName", "FQuantity"};
         std::vector<std::vector<QVariant>> data;
-        for (const OrderRow& r : rows) {   // FPicID NULL: no picture is written
-            data.push_back({r.entryId, QString(), 0, 1, r.itemId, r.model, r.name, r.barCode, r.serialClass,
-                            QVariant(), QStringLiteral("店铺"), r.quantity});
+        for (const OrderRow& r : rows) {
+            data.push_back({r.entryId, QString(), 0, 1, r.itemId, r.model, r.name, r.barCode, r.serialClass, picId,
+                            QStringLiteral("店铺"), r.quantity});
         }
         return std::make_shared<Recordset>(columns, std::move(data));
     }

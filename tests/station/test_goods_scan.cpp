@@ -179,7 +179,7 @@ TEST_P(GoodsScanTest, BarcodeScansCountRefuseAndPassTheOrder)
     EXPECT_EQ(dbValue(QStringLiteral("SELECT FDeliveryStatus FROM IC_Web2ERPOrders WHERE FID = 1")).toInt(), 1);
 }
 
-TEST_P(GoodsScanTest, SerialOrderPassesIsRePickedAndStoresItsRowsOnce)
+TEST_P(GoodsScanTest, SerialsFitTheirLineAndAnOrderPassesIsRePickedAndStoresItsRowsOnce)
 {
     frmPickigGoods& f = open(true);
     scanInto(controls(f).TxtID, QStringLiteral("10021"));      // 1031 x2 W2405 (entry 53), 1032 x1 P2404 (54)
@@ -228,12 +228,9 @@ TEST_P(GoodsScanTest, SerialOrderPassesIsRePickedAndStoresItsRowsOnce)
     EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_EQ(serialRows(), QStringLiteral("53|W1-0001|W2405|1||0 53|W1-0003|W2405|1||0 54|PAD-0002|P2404|2||0"));
     expectReady("verified again");
-}
 
-TEST_P(GoodsScanTest, SerialMustFitBatchPlaceAndShelfLifeOfItsLine)
-{
-    frmPickigGoods& f = open(true);
-    scanInto(controls(f).TxtID, QStringLiteral("10024"));      // 1001 (57), 1034 T2401 (58), 1034 T2402 (59)
+    // A serial must fit the batch, place and shelf life of its line.
+    scanInto(controls(f).TxtID, QStringLiteral("10024"));      // 1038 (57), 1034 T2401 (58), 1034 T2402 (59)
     goods(QStringLiteral("ET-0003"));                // fits neither; the last line tells
     EXPECT_EQ(m_rec->voices, QStringList{kFindGoods});
     EXPECT_EQ(controls(f).lblMessage->text(), QStringLiteral("该商品的批次、仓库、仓位信息与订单分录上的不一致"));
@@ -257,8 +254,10 @@ TEST_P(GoodsScanTest, SerialMustFitBatchPlaceAndShelfLifeOfItsLine)
     }
     goods(QStringLiteral("MF-0002"));
     EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
-    EXPECT_EQ(serialRows(), QStringLiteral("56|MF-0001|M2403|3|2024-03-01|720 56|MF-0002|M2403|3|2024-03-01|720"));
+    EXPECT_EQ(serialRows(), QStringLiteral("53|W1-0001|W2405|1||0 53|W1-0003|W2405|1||0 54|PAD-0002|P2404|2||0 "
+                                           "56|MF-0001|M2403|3|2024-03-01|720 56|MF-0002|M2403|3|2024-03-01|720"));
 }
+
 
 INSTANTIATE_TEST_SUITE_P(Views, GoodsScanTest, ::testing::Values(false, true),
                          [](const ::testing::TestParamInfo<bool>& info) { return info.param ? "Grid" : "Tiles"; });

@@ -40,13 +40,6 @@ TEST(SerialRows, BatchDeletesEachEntryOnceThenInsertsItsRows)
     noSerials.Add(line(12, "", 3, 0, "", "", "", ""));
     EXPECT_EQ(BuildSerialRowsSql(noSerials), QString());
 
-    // Rows of one entry spread over the list share one delete, before both rows.
-    QList<GoodsRecord> rows = CollectSerialRows(lines);
-    ASSERT_EQ(rows.size(), 3);
-    rows.move(2, 1);   // 11, 13, 11
-    const QString sql = BuildSerialRowsSql(rows);
-    EXPECT_EQ(sql.count("Delete IC_Web2ErpOrderSerial where FEntryID=11"), 1);
-    EXPECT_LT(sql.indexOf("FEntryID=11"), sql.indexOf("'SNA'"));
 }
 
 TEST(SerialRows, ValuesThatWouldBreakTheStatementAreKeptOut)

@@ -21,9 +21,9 @@ const QColor Green(0, 0x80, 0), Red(0xff, 0, 0);
 // An order of `count` lines (item 1000+i, entry i+1, ordered 1 + i % 4), each with its picture file.
 RecordList loadOrder(TileEnvironment& env, int count)
 {
-    std::vector<TileEnvironment::Row> rows;
+    std::vector<OrderRow> rows;
     for (int i = 0; i < count; ++i)
-        rows.push_back({1000 + i, i + 1, kNames[i % kNames.size()], 1 + i % 4});
+        rows.push_back({i + 1, 1000 + i, kNames[i % kNames.size()], QString(), QString(), 1 + i % 4});
     env.loadOrderSet(rows);
     for (int i = 0; i < count; ++i) {
         const QString file = PictureTempFolder() + QStringLiteral("Tmp_%1").arg(1000 + i);
@@ -107,10 +107,8 @@ TEST(GoodsTiles, AScanSelectsTheTileOfItsEntryAndShowsItsCount)
 {
     TileEnvironment env;
     // The same goods on two entries between two other goods.
-    env.loadOrderSet({{10, 1, QStringLiteral("保温杯"), 1},
-                      {20, 2, QStringLiteral("蓝牙耳机"), 1},
-                      {20, 3, QStringLiteral("蓝牙耳机"), 2},
-                      {30, 4, QStringLiteral("绿茶"), 1}});
+    env.loadOrderSet({{1, 10, "保温杯", "", "", 1}, {2, 20, "蓝牙耳机", "", "", 1}, {3, 20, "蓝牙耳机", "", "", 2},
+                      {4, 30, "绿茶", "", "", 1}});
     GoodsListView list;
     sizeForRows(list, 3);
     list.LoadPickingGoods();

@@ -1,7 +1,6 @@
 #include "tiles_fixture.h"
 #include "host/object_factory.h"
 #include "host/platform.h"
-#include "host/recordset.h"
 #include "orderdata/order_goods.h"
 #include "session/host_session.h"
 #include "tiles/tile_pictures.h"
@@ -11,24 +10,6 @@
 namespace TilesTest {
 
 namespace {
-
-class RowsGetData : public IGetData {
-public:
-    explicit RowsGetData(std::shared_ptr<std::vector<TileEnvironment::Row>> rows) : m_rows(std::move(rows)) {}
-    RecordsetPtr ExecuteSQL(const QString&, const QString&) override
-    {
-        const QStringList columns = {"FEntryID", "FBatchNo", "FSPID", "FStockID", "FItemID", "FModel", "FItemName",
-                                     "FBarCode", "FSerialClassID", "FPicID", "FWebshopName", "FQuantity"};
-        std::vector<std::vector<QVariant>> table;
-        for (const TileEnvironment::Row& r : *m_rows)
-            table.push_back({r.entryId, QString(), 0, 0, r.itemId, QString(), r.name, QString(), 0, 0, "Shop", r.quantity});
-        return std::make_shared<Recordset>(columns, table);
-    }
-    std::optional<GoodsRecord> CheckReturnBills(const GoodsRecord&) override { return std::nullopt; }
-
-private:
-    std::shared_ptr<std::vector<TileEnvironment::Row>> m_rows;
-};
 
 // Attachment 0 is asked for each line all the same; it has no bytes.
 class NoAttachments : public IAccessoryView {
@@ -86,7 +67,8 @@ TileEnvironment::TileEnvironment()
     SetComponentFolder(m_dir.path());
     TilePictures::clearCache();
     SetPropsHostObject([] { return QStringLiteral("UserID=16394;ConnectString={Provider=SQLite;Data Source=none}"); });
-    RegisterServerObject(ProgIds::GetData, [rows = m_rows] { return std::make_shared<RowsGetData>(rows); });
+    m_data->picId = 0;
+    RegisterServerObject(ProgIds::GetData, [d = m_data] { return d; });
     RegisterServerObject(ProgIds::AccessoryView, [] { return std::make_shared<NoAttachments>(); });
     recordMessageBoxes(m_boxes);
 }
@@ -100,11 +82,11 @@ TileEnvironment::~TileEnvironment()
     TilePictures::clearCache();
 }
 
-void TileEnvironment::loadOrderSet(const std::vector<Row>& rows)
+void TileEnvironment::loadOrderSet(const std::vector<OrderRow>& rows)
 {
-    *m_rows = rows;
+    m_data->rows = rows;
     LoadOrderGoods(QStringLiteral("12345"));
-    m_rows->clear();
+    m_data->rows.clear();
 }
 
 } // namespace TilesTest

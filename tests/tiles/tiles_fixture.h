@@ -1,7 +1,7 @@
 #pragma once
 // Shared pieces of the tile tests: a component folder of its own with a
-// default picture, picture files, goods lines, and a middle tier answering
-// with the test's rows.
+// default picture, picture files, goods lines, and orders of the test's rows.
+#include "grid/order_fixture.h"
 #include "host/goods_record.h"
 #include "support/host_doubles.h"
 #include "support/qt_print.h"
@@ -36,18 +36,13 @@ public:
     ~TileEnvironment();
     QString path(const QString& name) const { return m_dir.path() + QLatin1Char('/') + name; }
 
-    // Loads the module-wide order set through the real order-goods query.
-    struct Row {
-        int itemId;
-        int entryId;
-        QString name;
-        int quantity;
-    };
-    void loadOrderSet(const std::vector<Row>& rows);
+    // Loads the module-wide order set through the real order-goods query; each
+    // line's picture is Tmp_<item> in the picture folder.
+    void loadOrderSet(const std::vector<OrderRow>& rows);
 
 private:
     QTemporaryDir m_dir;
-    std::shared_ptr<std::vector<Row>> m_rows = std::make_shared<std::vector<Row>>();
+    std::shared_ptr<RowsGetData> m_data = std::make_shared<RowsGetData>();
     std::shared_ptr<HostRecorder> m_boxes = std::make_shared<HostRecorder>();
 };
 
