@@ -1,7 +1,11 @@
 // The station form as a worker meets it: creation and the entry fields, options
-// kept per user, the close question and the picker.
+// kept per user, the close question, and the employee picker F7 opens.
+#include "middletier/employee_list.h"
 #include "station/station_fixture.h"
+#include <QDialog>
 #include <QSignalSpy>
+#include <QTableWidget>
+#include <QTimer>
 
 namespace {
 
@@ -16,6 +20,23 @@ public:
         return results.isEmpty() ? EmployeePickResult() : results.takeFirst();
     }
 };
+
+// Hands the next modal window to `act` once it shows (polled for five seconds at most).
+void whenModalShows(std::function<void(QWidget*)> act)
+{
+    auto* timer = new QTimer(qApp);
+    auto tries = std::make_shared<int>(0);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, act, tries] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal || ++*tries > 500) {
+            timer->stop();
+            timer->deleteLater();
+        }
+        if (modal)
+            act(modal);
+    });
+    timer->start(10);
+}
 
 } // namespace
 
@@ -168,42 +189,77 @@ TEST_F(StationFormTest, ClosingAsksOnlyWhileAnOrderIsUnfinishedAndYesGoesOnCheck
     EXPECT_TRUE(form->pickingState().SessionOrderLog().isNone());
 }
 
-TEST_F(StationFormTest, F7AndDoubleClickOpenTheSamePicker)
+TEST_F(StationFormTest, F7OrADoubleClickPicksTheEmployeeAPassIsSavedWith)
 {
-    auto calls = std::make_shared<ScriptedPicker>();
-    RegisterServerObject(ProgIds::EmployeePicker, [calls] { return calls; });
+    // The search behind the built-in picker.
+    const QString props = DemoPropsString(m_db, 1);
+    auto names = [&](const QString& text) {
+        QStringList found;
+        for (const EmployeeRow& row : FindEmployees(props, text))
+            found << row.number + QLatin1Char(':') + row.name;
+        return found;
+    };
+    EXPECT_EQ(names(QString()).size(), 4);
+    EXPECT_EQ(names(QStringLiteral("李")), QStringList{QStringLiteral("E002:李娜")});
+    EXPECT_EQ(names(QStringLiteral(" e003 ")), QStringList{QStringLiteral("E003:王芳")});
+    // Wildcards and quotes are text to look for, never SQL.
+    for (const QString& text : {QStringLiteral("%"), QStringLiteral("E00_"), QStringLiteral("' OR 1=1 --")})
+        EXPECT_TRUE(names(text).isEmpty()) << text.toStdString();
+
+    // The built-in dialog, opened by F7 with the field's text: down twice from the
+    // first match, then Enter, takes the third employee.
     frmPickigGoods* form = openStation();
     const StationControls c = controls(form);
+    RestoreBuiltInServerObjects(ProgIds::EmployeePicker);
+    QString seen;
+    whenModalShows([&](QWidget* modal) {
+        auto* filter = modal->findChild<QLineEdit*>(QStringLiteral("txtFilter"));
+        auto* table = modal->findChild<QTableWidget*>(QStringLiteral("grdEmployees"));
+        if (!filter || !table) {
+            modal->close();
+            return;
+        }
+        seen = modal->windowTitle() + QLatin1Char('|') + filter->text();
+        filter->setText(QStringLiteral("E00"));
+        seen += QLatin1Char('|') + QString::number(table->rowCount());
+        QTest::keyClick(filter, Qt::Key_Down);
+        QTest::keyClick(filter, Qt::Key_Down);
+        QTest::keyClick(filter, Qt::Key_Return);
+    });
+    QTest::keyClick(c.TxtEmployee, Qt::Key_F7);
+    EXPECT_EQ(seen, QStringLiteral("选择职员|张伟|4"));
+    EXPECT_EQ(c.TxtEmployee->text(), QStringLiteral("王芳"));
+    EXPECT_EQ(c.TxtEmployee->property("Tag").toInt(), 203);
+    // Cancelled: nothing chosen.
+    whenModalShows([](QWidget* modal) { static_cast<QDialog*>(modal)->reject(); });
+    const EmployeePickResult result = CreateServerObjectAs<IEmployeePicker>(ProgIds::EmployeePicker)->Pick(nullptr, props, QString());
+    EXPECT_FALSE(result.ReturnOK || result.ReturnObject.Detail);
 
+    // A double click opens the same picker; a cancelled pick, or a pick of no
+    // single employee, changes nothing.
+    auto calls = std::make_shared<ScriptedPicker>();
+    RegisterServerObject(ProgIds::EmployeePicker, [calls] { return calls; });
     calls->results << EmployeePickResult{true, {true, QStringLiteral("李娜"), 202}}
-                   << EmployeePickResult{true, {true, QStringLiteral("王芳"), 203}};
-    QTest::keyClick(c.TxtEmployee, Qt::Key_F7);
-    EXPECT_EQ(c.TxtEmployee->text(), QStringLiteral("李娜"));
-    QTest::mouseDClick(c.TxtEmployee, Qt::LeftButton);
-    EXPECT_EQ(calls->texts, (QStringList{QStringLiteral("张伟"), QStringLiteral("李娜")}));
-    EXPECT_EQ(c.TxtEmployee->text(), QStringLiteral("王芳"));
-    EXPECT_EQ(c.TxtEmployee->property("Tag").toInt(), 203);
-
-    // A cancelled pick, or a pick of no single employee, changes nothing.
-    calls->results << EmployeePickResult{false, {true, QStringLiteral("刘洋"), 204}}
+                   << EmployeePickResult{false, {true, QStringLiteral("刘洋"), 204}}
                    << EmployeePickResult{true, {false, QStringLiteral("刘洋"), 204}};
+    QTest::mouseDClick(c.TxtEmployee, Qt::LeftButton);
+    EXPECT_EQ(c.TxtEmployee->text(), QStringLiteral("李娜"));
     QTest::keyClick(c.TxtEmployee, Qt::Key_F7);
     QTest::mouseDClick(c.TxtEmployee, Qt::LeftButton);
-    EXPECT_EQ(calls->texts.size(), 4);
-    EXPECT_EQ(c.TxtEmployee->text(), QStringLiteral("王芳"));
-    EXPECT_EQ(c.TxtEmployee->property("Tag").toInt(), 203);
-
+    EXPECT_EQ(calls->texts, (QStringList{QStringLiteral("王芳"), QStringLiteral("李娜"), QStringLiteral("李娜")}));
+    EXPECT_EQ(c.TxtEmployee->text(), QStringLiteral("李娜"));
+    EXPECT_EQ(c.TxtEmployee->property("Tag").toInt(), 202);
     // Other function keys, and F7 elsewhere, open nothing.
     QTest::keyClick(c.TxtEmployee, Qt::Key_F8);
     QTest::keyClick(c.TxtID, Qt::Key_F7);
-    EXPECT_EQ(calls->texts.size(), 4);
+    EXPECT_EQ(calls->texts.size(), 3);
 
     // The picker chosen is the one a passed order is saved with; a re-pick takes both back.
     scanInto(c.TxtID, QStringLiteral("SF10001"));
     for (int item : {1001, 1008, 1014, 1014})
         scanGoods(form, item);
     ASSERT_TRUE(c.ImgSuccess->isVisible());
-    EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/203"));
+    EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/202"));
     QTest::mouseClick(c.CmdBtnRePick, Qt::LeftButton);
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("0/0"));
 }
