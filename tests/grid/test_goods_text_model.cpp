@@ -75,8 +75,6 @@ TEST(GoodsTextModel, GoodsIndexTellsBlankFromUnknownAndRowKeysJoinIds)
     EXPECT_TRUE(model.lineOf(25, 8).sameRecord(list.Item(2)));
     EXPECT_TRUE(model.lineOf(25, 9).isNone());
     EXPECT_EQ(GoodsTextModel::rowKey(line(25, 7, 1)), "257");
-    EXPECT_EQ(GoodsTextModel::wholeNumber(QStringLiteral(" 42 ")), 42);
-    EXPECT_EQ(GoodsTextModel::wholeNumber(QStringLiteral("abc")), 0);
 }
 
 TEST(GoodsTextModel, OpenLinesComeFirstInTheirOrderOnTheSharedSet)

@@ -5,7 +5,6 @@
 
 namespace {
 
-const QString kSucces = QStringLiteral("\\voice\\Succes.wav");
 const QString kError = QStringLiteral("\\voice\\Error.wav");
 const QString kFindGoods = QStringLiteral("\\voice\\findGoods.wav");
 
@@ -165,7 +164,7 @@ TEST_P(GoodsScanTest, BarcodeScansCountRefuseAndPassTheOrder)
     controls(f).lblMessage->setText(QStringLiteral("x"));
     m_rec->voices.clear();
     scanInto(controls(f).TxtNum, QStringLiteral("1"));
-    EXPECT_EQ(m_rec->voices, QStringList{kSucces});
+    EXPECT_EQ(m_rec->voices, QStringList{QStringLiteral("\\voice\\Succes.wav")});
     EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("4/4"));
     EXPECT_EQ(controls(f).lblMessage->text(), QString());
