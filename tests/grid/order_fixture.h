@@ -1,7 +1,6 @@
 #pragma once
-// Loads orders into the module-wide goods set through the real LoadOrderGoods,
-// with a middle tier that answers from rows given by the test, and records
-// the error boxes instead of showing them.
+// Orders loaded into the module-wide goods set through the real LoadOrderGoods,
+// from rows the test gives to the middle tier (the tiles' too); error boxes are recorded.
 #include "host/object_factory.h"
 #include "host/recordset.h"
 #include "host/server_objects.h"
@@ -27,15 +26,15 @@ struct OrderRow {
 class RowsGetData : public IGetData {
 public:
     std::vector<OrderRow> rows;
+    QVariant picId;   // NULL: no picture is written
     RecordsetPtr ExecuteSQL(const QString&, const QString&) override
     {
         const QStringList columns = {"FEntryID", "FBatchNo", "FSPID", "FStockID", "FItemID", "FModel", "FItemName",
                                      "FBarCode", "FSerialClassID", "FPicID", "FWebshopName", "FQuantity"};
         std::vector<std::vector<QVariant>> data;
         for (const OrderRow& r : rows) {
-            // FPicID NULL: no picture is written for these lines.
-            data.push_back({r.entryId, QString(), 0, 1, r.itemId, r.model, r.name, r.barCode, r.serialClass,
-                            QVariant(), QStringLiteral("店铺"), r.quantity});
+            data.push_back({r.entryId, QString(), 0, 1, r.itemId, r.model, r.name, r.barCode, r.serialClass, picId,
+                            QStringLiteral("店铺"), r.quantity});
         }
         return std::make_shared<Recordset>(columns, std::move(data));
     }
@@ -46,9 +45,8 @@ class OrderFixture : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        getData = std::make_shared<RowsGetData>();
         RegisterServerObject(ProgIds::GetData, [d = getData] { return d; });
-        boxes = recordMessageBoxes();
+        recordMessageBoxes(boxes);
         useLanguage(QStringLiteral("chs"));
         ResetLanguageCache();
         SetPropsHostObject([] { return QStringLiteral("ConnectString={Provider=SQLite;Data Source=:memory:}"); });
@@ -69,6 +67,6 @@ protected:
         return LoadOrderGoods(QStringLiteral("SF1001"));
     }
 
-    std::shared_ptr<RowsGetData> getData;
-    std::shared_ptr<HostRecorder> boxes;
+    std::shared_ptr<RowsGetData> getData = std::make_shared<RowsGetData>();
+    std::shared_ptr<HostRecorder> boxes = std::make_shared<HostRecorder>();
 };

@@ -1,7 +1,6 @@
 #pragma once
-// A station on a real demo database: each test gets its own copy of the demo
-// file, the session's property string published for this process, and
-// recording message boxes and sounds in place of the host's.
+// A station on its own copy of the demo database, the session's property string
+// published for this process, message boxes and sounds recorded.
 #include "demo/demo_database.h"
 #include "host/lang_info.h"
 #include "host/object_factory.h"
@@ -26,6 +25,13 @@
 #include <QTest>
 #include <gtest/gtest.h>
 #include <memory>
+
+// A server that refuses the picking status and the delivery.
+class FailingSaveData : public ISaveData {
+public:
+    void SavePickingGoods(const GoodsRecord&) override { throw HostError(HostErrors::Database, QStringLiteral("保存失败")); }
+    void UpdateDeliveryData(const QString&, qint64) override { throw HostError(HostErrors::Database, QStringLiteral("发货失败")); }
+};
 
 class StationFormTest : public ::testing::Test {
 protected:
@@ -77,14 +83,7 @@ protected:
         return closed;
     }
 
-    // Focus, select, type key by key, Enter: what a scanner does.
-    static void scanInto(QLineEdit* field, const QString& text)
-    {
-        typeInto(field, text);
-        QTest::keyClick(field, Qt::Key_Return);
-        QApplication::processEvents();
-    }
-
+    // Focus, select, type key by key (and Enter: what a scanner does).
     static void typeInto(QLineEdit* field, const QString& text)
     {
         field->setFocus(Qt::OtherFocusReason);
@@ -92,28 +91,42 @@ protected:
         field->selectAll();
         QTest::keyClicks(field, text);
     }
+    static void scanInto(QLineEdit* field, const QString& text)
+    {
+        typeInto(field, text);
+        QTest::keyClick(field, Qt::Key_Return);
+        QApplication::processEvents();
+    }
 
     QString barcodeOf(int itemId) const
     {
         return dbValue(QStringLiteral("SELECT FBarCode FROM t_Barcode WHERE FItemID = ? ORDER BY FID"), {itemId}).toString();
     }
 
-    // One goods scan of an item's barcode on the station, as a scanner makes it.
     void scanGoods(frmPickigGoods* form, int itemId) const { scanInto(controls(form).TxtItemID, barcodeOf(itemId)); }
 
+    void dbExec(const QString& sql, const QVariantList& params = {}) const { dbValue(sql, params); }
+    // The first column of the statement's first row, on a connection of its own.
     QVariant dbValue(const QString& sql, const QVariantList& params = {}) const
     {
+        static QAtomicInt counter;
+        const QString name = QStringLiteral("station_fixture_%1").arg(counter.fetchAndAddRelaxed(1));
         QVariant value;
-        withDb([&](QSqlQuery& q) {
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            db.setDatabaseName(m_db);
+            EXPECT_TRUE(db.open()) << db.lastError().text().toStdString();
+            RegisterTextCollation(db);
+            QSqlQuery q(db);
+            EXPECT_TRUE(q.prepare(sql)) << q.lastError().text().toStdString();
+            for (const QVariant& p : params)
+                q.addBindValue(p);
+            EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString() << " in " << sql.toStdString();
             if (q.next())
                 value = q.value(0);
-        }, sql, params);
+        }
+        QSqlDatabase::removeDatabase(name);
         return value;
-    }
-
-    void dbExec(const QString& sql, const QVariantList& params = {}) const
-    {
-        withDb([](QSqlQuery&) {}, sql, params);
     }
 
     // The picking status and picker of an order, as "status/picker".
@@ -131,25 +144,4 @@ protected:
     QString m_db;
     std::shared_ptr<HostRecorder> m_rec = std::make_shared<HostRecorder>();
     std::unique_ptr<frmPickigGoods> m_form;
-
-private:
-    template <class Read>
-    void withDb(Read read, const QString& sql, const QVariantList& params) const
-    {
-        static QAtomicInt counter;
-        const QString name = QStringLiteral("station_fixture_%1").arg(counter.fetchAndAddRelaxed(1));
-        {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-            db.setDatabaseName(m_db);
-            EXPECT_TRUE(db.open()) << db.lastError().text().toStdString();
-            RegisterTextCollation(db);
-            QSqlQuery q(db);
-            EXPECT_TRUE(q.prepare(sql)) << q.lastError().text().toStdString();
-            for (const QVariant& p : params)
-                q.addBindValue(p);
-            EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString() << " in " << sql.toStdString();
-            read(q);
-        }
-        QSqlDatabase::removeDatabase(name);
-    }
 };

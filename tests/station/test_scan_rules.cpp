@@ -1,5 +1,6 @@
 // The small rules a scan is judged by: a typed quantity, the serial lists a
-// line keeps, and the verdict text of an order.
+// line keeps, when an order is complete or passed, and its verdict text.
+#include "station/picking_state.h"
 #include "station/scan_quantity.h"
 #include "station/serial_lists.h"
 #include "station/verdict.h"
@@ -74,8 +75,6 @@ TEST(ComposeVerdict, ZeroPartsAreCutOutByTextReplacementOnTheWholeText)
         // code holding "异常" or "," is rewritten with the rest.
         {"A,,B", 0, 1, 0, false, "AB异常, , 缺少1件, 误拣0件"},
         {"异常,7", 0, 0, 0, true, "通过7通过   误拣0件"},
-        // Negative counts are not zero, so nothing passes.
-        {"N", 0, -1, 0, false, "N异常, , 缺少-1件, 误拣0件"},
     };
     for (const auto& c : cases) {
         const VerdictText v = ComposeVerdict(QString::fromUtf8(c.code), c.excess, c.missing, c.wrong);
@@ -86,4 +85,34 @@ TEST(ComposeVerdict, ZeroPartsAreCutOutByTextReplacementOnTheWholeText)
     EXPECT_EQ(PickInfoFor(0, 0), QString());
     EXPECT_EQ(PickInfoFor(0, 2), QStringLiteral("非本单商品"));
     EXPECT_EQ(PickInfoFor(3, 2), QStringLiteral("拣货超量"));
+}
+
+TEST(PickingState, UnitsCompleteAnOrderAtTheTotalShownAndALeftOrderIsJudgedAgainstIt)
+{
+    const struct {
+        qint32 total, shown, picked;
+        bool passed;
+        qint32 missing;
+    } cases[] = {
+        {4, 4, 4, true, 0}, {4, 4, 1, false, 3},
+        // The options changed since the load: the total now is larger than the one shown.
+        {4, 3, 3, false, 1}, {2, 0, 0, false, 2},
+    };
+    for (const auto& c : cases) {
+        PickingState state;
+        state.setCurrentOrderCode(QStringLiteral("10001"));
+        for (qint32 i = 0; i < c.picked; ++i)
+            EXPECT_EQ(state.countUnit(c.shown), i == c.shown - 1);   // at the total, not one before
+        EXPECT_EQ(state.missingNum(), 0);   // a fresh order's missing count waits for the leave
+        EXPECT_EQ(state.passed(c.total, c.shown), c.passed) << c.total << "/" << c.shown << ": " << c.picked;
+        EXPECT_EQ(state.leaveOrder(c.total, c.shown), c.passed) << c.total << "/" << c.shown << ": " << c.picked;
+        EXPECT_EQ(state.missingNum(), c.missing) << c.total << "/" << c.shown << ": " << c.picked;
+        EXPECT_FALSE(state.countUnit(c.shown));   // nor beyond; no total never completes
+    }
+
+    // Closing: nothing is logged after the log is released.
+    PickingState closed;
+    closed.release();
+    closed.logVerdict(QStringLiteral("10001"), QStringLiteral("late"), false);
+    EXPECT_FALSE(closed.logHasEntries());
 }

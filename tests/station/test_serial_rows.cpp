@@ -21,7 +21,7 @@ GoodsRecord line(int entry, const QString& batch, QVariant stock, QVariant place
 }
 } // namespace
 
-TEST(SerialRows, BatchDeletesEachEntryOnceThenInsertsItsRows)
+TEST(SerialRows, EachEntryIsDeletedOnceThenItsRowsInsertedAndNothingBreaksTheStatement)
 {
     RecordList lines;
     lines.Add(line(11, "B1", 3, 4, ",SNA,SNB", ",101,102", ",365,0", ",2024/01/05,"));
@@ -40,18 +40,6 @@ TEST(SerialRows, BatchDeletesEachEntryOnceThenInsertsItsRows)
     noSerials.Add(line(12, "", 3, 0, "", "", "", ""));
     EXPECT_EQ(BuildSerialRowsSql(noSerials), QString());
 
-    // Rows of one entry spread over the list share one delete, before both rows.
-    QList<GoodsRecord> rows = CollectSerialRows(lines);
-    ASSERT_EQ(rows.size(), 3);
-    rows.move(2, 1);   // 11, 13, 11
-    const QString sql = BuildSerialRowsSql(rows);
-    EXPECT_EQ(sql.count("Delete IC_Web2ErpOrderSerial where FEntryID=11"), 1);
-    EXPECT_LT(sql.indexOf("FEntryID=11"), sql.indexOf("'SNA'"));
-    EXPECT_EQ(sql.count("\r\n"), 4);
-}
-
-TEST(SerialRows, ValuesThatWouldBreakTheStatementAreKeptOut)
-{
     // A batch number from the ERP with a quote stays inside its literal.
     RecordList quoted;
     quoted.Add(line(1, "O'B", 3, 4, ",S1", ",1", ",0", ","));
