@@ -58,15 +58,6 @@ const Table kDocumentedTables[] = {
      " FValue TEXT COLLATE NOCASE"},
 };
 
-// The column names of a declaration list.
-QStringList columnNames(const char* columns)
-{
-    QStringList names;
-    for (const QString& part : QString::fromLatin1(columns).split(QLatin1Char(',')))
-        names << part.trimmed().section(QLatin1Char(' '), 0, 0);
-    return names;
-}
-
 // Makes a database of the documented tables and fills it with the demo
 // warehouse's rows, documented columns only; then puts it in the demo's place.
 void replaceWithDocumentedTables(const ReplayHarness& h)
@@ -79,10 +70,13 @@ void replaceWithDocumentedTables(const ReplayHarness& h)
         QSqlQuery q(db);
         ASSERT_TRUE(q.exec(QStringLiteral("ATTACH DATABASE '%1' AS demo").arg(h.databaseFile()))) << q.lastError().text().toStdString();
         for (const Table& t : kDocumentedTables) {
-            const QString columns = columnNames(t.columns).join(QLatin1Char(','));
+            QStringList columns;   // the names alone
+            for (const QString& part : QString::fromLatin1(t.columns).split(QLatin1Char(',')))
+                columns << part.trimmed().section(QLatin1Char(' '), 0, 0);
             ASSERT_TRUE(q.exec(QStringLiteral("CREATE TABLE main.%1 (%2)").arg(QLatin1String(t.name), QLatin1String(t.columns))))
                 << t.name << q.lastError().text().toStdString();
-            ASSERT_TRUE(q.exec(QStringLiteral("INSERT INTO main.%1 (%2) SELECT %2 FROM demo.%1").arg(QLatin1String(t.name), columns)))
+            ASSERT_TRUE(q.exec(QStringLiteral("INSERT INTO main.%1 (%2) SELECT %2 FROM demo.%1")
+                                   .arg(QLatin1String(t.name), columns.join(QLatin1Char(',')))))
                 << t.name << q.lastError().text().toStdString();
         }
         q.exec(QStringLiteral("DETACH DATABASE demo"));
@@ -93,68 +87,38 @@ void replaceWithDocumentedTables(const ReplayHarness& h)
     ASSERT_TRUE(QFile::rename(file, h.databaseFile()));
 }
 
-QString field(const QJsonObject& step, const char* key)
-{
-    return step.value(QLatin1String(key)).toString();
-}
-
-QVariant order10021(const ReplayHarness& h, const char* column)
-{
-    return h.queryValue(QStringLiteral("SELECT %1 FROM IC_Web2ERPOrders WHERE FUniqueCode = '10021'").arg(QLatin1String(column)));
-}
-
-int serialRowsOf10021(const ReplayHarness& h)
-{
-    return h.queryValue(QStringLiteral("SELECT count(*) FROM IC_Web2ErpOrderSerial s JOIN IC_Web2ERPOrdersEntry e"
-                                       " ON e.FEntryID = s.FEntryID JOIN IC_Web2ERPOrders o ON o.FID = e.FID"
-                                       " WHERE o.FUniqueCode = '10021'"))
-        .toInt();
-}
-
 } // namespace
 
 TEST(DocumentedTablesReplay, WholeSessionRunsOnTheDocumentedTablesAlone)
 {
     ReplayHarness h;
-    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
     replaceWithDocumentedTables(h);
     if (::testing::Test::HasFatalFailure())
         return;
 
     // Options chosen, an order of serial goods passed, the station closed.
-    const QStringList first{QStringLiteral("click chkShowText"),
-                            QStringLiteral("click chkHaveSerial"),
-                            QStringLiteral("scan TxtID 10021"),
-                            QStringLiteral("scan TxtItemID W1-0001"),
-                            QStringLiteral("scan TxtItemID W1-0002"),
-                            QStringLiteral("scan TxtItemID PAD-0001"),
-                            QStringLiteral("close")};
-    const ReplayRun r1 = h.run(first.join(QLatin1Char('\n')) + QLatin1Char('\n'));
-    ASSERT_EQ(r1.exitCode, 0) << r1.describe().toStdString();
-    EXPECT_TRUE(r1.allBoxTexts().isEmpty()) << r1.allBoxTexts().join(QLatin1Char('\n')).toStdString();
-    EXPECT_TRUE(r1.step(6).value(QStringLiteral("ImgSuccess")).toBool()) << r1.describe().toStdString();
-    EXPECT_EQ(order10021(h, "FPIckingGoodsStatus").toInt(), 1);
-    EXPECT_EQ(order10021(h, "FPickingGoodMan").toInt(), 201);
-    EXPECT_EQ(order10021(h, "FDeliveryStatus").toInt(), 1);
-    EXPECT_FALSE(order10021(h, "FSendDate").isNull());
-    EXPECT_EQ(serialRowsOf10021(h), 3);
+    const ReplayRun first = h.play({{"click chkShowText", {}},
+                                    {"click chkHaveSerial", {}},
+                                    {"scan TxtID 10021", {}},
+                                    {"scan TxtItemID W1-0001", {}},
+                                    {"scan TxtItemID W1-0002", {}},
+                                    {"scan TxtItemID PAD-0001", {{"ImgSuccess", "yes"}}},
+                                    {"close", {}}});
+    EXPECT_EQ(h.orders("'10021'"), "10021:1/201/1/1");
+    EXPECT_EQ(h.serials(), "53|W1-0001 53|W1-0002 54|PAD-0001");
 
     // The next start comes back in the grid with serial scanning on; a re-pick
     // of the order and a second pass replace its serial rows.
-    const QStringList second{QStringLiteral("state"),
-                             QStringLiteral("type TxtID 10021"),
-                             QStringLiteral("click CmdBtnRePick"),
-                             QStringLiteral("scan TxtItemID W1-0003"),   // 4: a serial, so serial mode is on
-                             QStringLiteral("scan TxtItemID W1-0001"),
-                             QStringLiteral("scan TxtItemID PAD-0002")};
-    const ReplayRun r2 = h.run(second.join(QLatin1Char('\n')) + QLatin1Char('\n'));
-    ASSERT_EQ(r2.exitCode, 0) << r2.describe().toStdString();
-    EXPECT_TRUE(r2.allBoxTexts().isEmpty()) << r2.allBoxTexts().join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(field(r2.step(1), "view"), QStringLiteral("grid"));
-    EXPECT_EQ(field(r2.step(3), "lblPickedNum"), QStringLiteral("0/"));
-    EXPECT_EQ(field(r2.step(4), "lblPickedNum"), QStringLiteral("1/3"));
-    EXPECT_TRUE(r2.step(6).value(QStringLiteral("ImgSuccess")).toBool()) << r2.describe().toStdString();
-    EXPECT_EQ(order10021(h, "FPIckingGoodsStatus").toInt(), 1);
-    EXPECT_EQ(serialRowsOf10021(h), 3);
-    EXPECT_EQ(h.queryValue(QStringLiteral("SELECT count(*) FROM t_UserProfile WHERE FUserID = 1")).toInt(), 3);
+    const ReplayRun second = h.play({{"state", {{"view", "grid"}}},
+                                     {"type TxtID 10021", {}},
+                                     {"click CmdBtnRePick", {{"lblPickedNum", "0/"}}},
+                                     // a serial: serial mode is on
+                                     {"scan TxtItemID W1-0003", {{"lblPickedNum", "1/3"}}},
+                                     {"scan TxtItemID W1-0001", {}},
+                                     {"scan TxtItemID PAD-0002", {{"ImgSuccess", "yes"}}}});
+    for (const QJsonObject& step : first.steps + second.steps)
+        EXPECT_EQ(shown(step, "boxes"), QString()) << shown(step, "command").toStdString();
+    EXPECT_EQ(h.orders("'10021'"), "10021:1/201/1/1");
+    EXPECT_EQ(h.serials(), "53|W1-0001 53|W1-0003 54|PAD-0002");
+    EXPECT_EQ(h.sql(QStringLiteral("SELECT count(*) FROM t_UserProfile WHERE FUserID = 1")).toInt(), 3);
 }

@@ -1,11 +1,13 @@
-// The station killed after every command of a working session, and started
-// again: answered yes, it stands exactly where it stood; answered no, it is
-// empty; a journal that cannot be read is set aside with a message.
+// The station killed after every command of a working session and started
+// again: answered yes, it stands exactly where it stood and goes on as if it
+// had never stopped; answered no, it is empty; a journal that cannot be read
+// is set aside with a message.
 #include "support/brief_file_lock.h"
-#include "support/live_launcher.h"
+#include "support/replay_harness.h"
 #include <QDirIterator>
-#include <QJsonDocument>
 #include <gtest/gtest.h>
+#include <memory>
+#include <optional>
 
 namespace {
 
@@ -35,150 +37,93 @@ const QStringList kSession{
 };
 
 // What the station shows, without what belongs to one step only.
-QJsonObject shown(QJsonObject state)
+QJsonObject shownState(QJsonObject state)
 {
     for (const char* key : {"step", "command", "voice", "boxes"})
         state.remove(QLatin1String(key));
     return state;
 }
 
-QString ordersOnServer(const ReplayHarness& h)
+QString onServer(const ReplayHarness& h)
 {
-    return h.queryValue(QStringLiteral("SELECT group_concat(FUniqueCode || ':' || IFNULL(FPIckingGoodsStatus, 'n') || '/' "
-                                       "|| IFNULL(FPickingGoodMan, 'n') || '/' || IFNULL(FDeliveryStatus, 'n'), ' ') "
-                                       "FROM IC_Web2ERPOrders WHERE FUniqueCode IN ('10001', '10018', '10021')"))
-               .toString()
-        + QLatin1Char(' ')
-        + h.queryValue(QStringLiteral("SELECT count(*) FROM IC_Web2ErpOrderSerial")).toString();
+    return h.orders(QStringLiteral("'10001', '10018', '10021'")) + QLatin1Char(' ') + h.serials();
 }
 
-struct KillCase {
-    bool grid;
-    bool lockedAtKill;
-};
-
-class JournalKillReplay : public ::testing::TestWithParam<KillCase> {};
+class JournalReplay : public ::testing::TestWithParam<bool> {};
 
 } // namespace
 
-TEST_P(JournalKillReplay, AfterAKillAtAnyCommandTheStationComesBackAsItStood)
+TEST_P(JournalReplay, KilledAfterEveryCommandTheStationComesBackAsItStood)
 {
-    const KillCase c = GetParam();
-    for (int n = 1; n <= kSession.size(); ++n) {
-        SCOPED_TRACE("killed after command " + std::to_string(n));
-        ReplayHarness h;
-        ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
-        QStringList script = kSession.mid(0, n);
-        if (c.grid)
-            script.prepend(QStringLiteral("click chkShowText"));
+    QStringList session = kSession;
+    if (GetParam())
+        session.prepend(QStringLiteral("click chkShowText"));
+    ReplayHarness whole;   // the session run through without a stop, on a database of its own
+    const ReplayRun reference = whole.run(session);
+    ASSERT_EQ(reference.steps.size(), session.size()) << reference.describe();
 
-        QJsonObject last;
+    ReplayHarness h;
+    auto station = std::make_unique<LiveLauncher>(h);
+    for (int n = 0; n < session.size(); ++n) {
+        SCOPED_TRACE("killed after command " + std::to_string(n + 1));
+        const QJsonObject last = station->send(session[n]);
+        ASSERT_FALSE(last.isEmpty()) << station->error.toStdString();
+        EXPECT_EQ(shownState(last), shownState(reference.steps[n])) << "the session run without a stop";
         {
-            LiveLauncher first(h);
-            ASSERT_TRUE(first.start()) << first.error().toStdString();
-            for (const QString& command : script) {
-                const std::optional<QJsonObject> state = first.send(command);
-                ASSERT_TRUE(state.has_value()) << command.toStdString() << ": " << first.error().toStdString();
-                last = *state;
-            }
             std::optional<BriefFileLock> lock;   // another program writing as the station dies
-            if (c.lockedAtKill)
+            if (n % 2)
                 lock.emplace(h.databaseFile(), 300);
-            first.kill();
+            station->kill();
         }
-        const QString server = ordersOnServer(h);
-
-        LiveLauncher second(h);
-        ASSERT_TRUE(second.start()) << second.error().toStdString();
-        const std::optional<QJsonObject> back = second.send(QStringLiteral("state"));
-        ASSERT_TRUE(back.has_value()) << second.error().toStdString();
-        EXPECT_EQ(boxTexts(*back), QStringList{kRestoreQuestion});
-        EXPECT_EQ(shown(*back), shown(last))
-            << "before: " << QJsonDocument(shown(last)).toJson(QJsonDocument::Compact).toStdString()
-            << "\nafter:  " << QJsonDocument(shown(*back)).toJson(QJsonDocument::Compact).toStdString();
-        // Nothing was saved twice, nothing taken back.
-        EXPECT_EQ(ordersOnServer(h), server);
-        EXPECT_EQ(second.finish(), 0);
-
-        // A clean end leaves no journal: the next start asks nothing.
-        LiveLauncher third(h);
-        ASSERT_TRUE(third.start());
-        const std::optional<QJsonObject> fresh = third.send(QStringLiteral("state"));
-        ASSERT_TRUE(fresh.has_value()) << third.error().toStdString();
-        EXPECT_TRUE(boxTexts(*fresh).isEmpty());
-        EXPECT_EQ(fresh->value(QStringLiteral("lblPickedNum")).toString(), QStringLiteral("0/"));
-        third.finish();
+        const QString server = onServer(h);
+        station = std::make_unique<LiveLauncher>(h);
+        const QJsonObject back = station->send(QStringLiteral("state"));
+        ASSERT_FALSE(back.isEmpty()) << station->error.toStdString();
+        EXPECT_EQ(shown(back, "boxes"), kRestoreQuestion);
+        EXPECT_EQ(shownState(back), shownState(last)) << "started again";
+        EXPECT_EQ(onServer(h), server);   // nothing saved twice, nothing taken back
         if (HasFailure())
             return;
     }
+    EXPECT_EQ(onServer(h), onServer(whole));
+
+    // A clean end leaves no journal: the next start asks nothing.
+    EXPECT_EQ(station->finish(), 0);
+    station = std::make_unique<LiveLauncher>(h);
+    expectShown(station->send(QStringLiteral("state")), {{"boxes", ""}, {"lblPickedNum", "0/"}, {"lines", ""}});
+
+    // Killed after another serial order was left; answered no, the station is empty.
+    expectShown(station->send(QStringLiteral("scan TxtID 10024")), {{"lblOrderNum", "3"}});
+    expectShown(station->send(QStringLiteral("scan TxtItemID ET-0001")), {{"lblPickedNum", "1/3"}});
+    station->send(QStringLiteral("scan TxtID 10002"));
+    expectShown(station->send(QStringLiteral("scan TxtID 10018")), {{"log", "~10024"}});
+    station->kill();
+    station = std::make_unique<LiveLauncher>(h);
+    expectShown(station->send(QStringLiteral("answer no")),
+                {{"boxes", kRestoreQuestion}, {"TxtID", ""}, {"lblPickedNum", "0/"}, {"lines", ""}, {"log", ""}});
+    // The old journal went with the answer; a session killed with nothing done leaves nothing to ask.
+    station->kill();
+    station = std::make_unique<LiveLauncher>(h);
+    expectShown(station->send(QStringLiteral("scan TxtID 10002")), {{"boxes", ""}, {"lblOrderNum", "4"}});
+    station->kill();
+
+    // The journal of that session damaged on the disk is set aside with a message.
+    QDirIterator journals(h.folder() + QStringLiteral("/xdg-data"), {QStringLiteral("session-*.db")}, QDir::Files,
+                          QDirIterator::Subdirectories);
+    ASSERT_TRUE(journals.hasNext());
+    QFile damaged(journals.next());
+    ASSERT_FALSE(journals.hasNext()) << damaged.fileName().toStdString();
+    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    damaged.write("not a journal");
+    damaged.close();
+    QFile::remove(damaged.fileName() + QStringLiteral("-wal"));
+    QFile::remove(damaged.fileName() + QStringLiteral("-shm"));
+    station = std::make_unique<LiveLauncher>(h);
+    expectShown(station->send(QStringLiteral("state")),
+                {{"boxes", "~Velto提示: 上次的校验记录无法读取，已另存为"}, {"boxes", "!\n"}, {"lblPickedNum", "0/"}});
+    EXPECT_EQ(QFileInfo(damaged).dir().entryList({QStringLiteral("session-*.unreadable-*")}).size(), 1);
+    EXPECT_EQ(station->finish(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Views, JournalKillReplay,
-                         ::testing::Values(KillCase{false, false}, KillCase{true, false}, KillCase{false, true},
-                                           KillCase{true, true}),
-                         [](const ::testing::TestParamInfo<KillCase>& info) {
-                             return std::string(info.param.grid ? "grid" : "tiles")
-                                 + (info.param.lockedAtKill ? "_locked" : "");
-                         });
-
-TEST(JournalReplay, AnsweredNoTheStationStartsEmptyAndAnUnreadableJournalIsSetAside)
-{
-    ReplayHarness h;
-    ASSERT_TRUE(h.ready()) << h.lastError().toStdString();
-    const QStringList script = kSession.mid(0, 8);
-    {
-        LiveLauncher first(h);
-        ASSERT_TRUE(first.start());
-        for (const QString& command : script)
-            ASSERT_TRUE(first.send(command).has_value()) << first.error().toStdString();
-        first.kill();
-    }
-    {
-        LiveLauncher second(h);
-        ASSERT_TRUE(second.start());
-        const std::optional<QJsonObject> no = second.send(QStringLiteral("answer no"));
-        ASSERT_TRUE(no.has_value()) << second.error().toStdString();
-        EXPECT_EQ(boxTexts(*no), QStringList{kRestoreQuestion});
-        EXPECT_EQ(no->value(QStringLiteral("TxtID")).toString(), QString());
-        EXPECT_EQ(no->value(QStringLiteral("lblPickedNum")).toString(), QStringLiteral("0/"));
-        EXPECT_TRUE(no->value(QStringLiteral("lines")).toArray().isEmpty());
-        EXPECT_TRUE(no->value(QStringLiteral("log")).toArray().isEmpty());
-        second.kill();   // dies again, with nothing done since the answer
-    }
-    {
-        // Answered no, the old journal was dropped; the session after it died
-        // with nothing done in it: nothing to ask.
-        LiveLauncher third(h);
-        ASSERT_TRUE(third.start());
-        const std::optional<QJsonObject> state = third.send(QStringLiteral("scan TxtID 10002"));
-        ASSERT_TRUE(state.has_value());
-        EXPECT_TRUE(boxTexts(*state).isEmpty());
-        third.kill();
-    }
-
-    // The journal of that session is damaged on the disk.
-    QString folder;
-    for (QDirIterator it(QDir(h.folder()).filePath(QStringLiteral("xdg-data")), {QStringLiteral("session-*.db")},
-                         QDir::Files, QDirIterator::Subdirectories);
-         it.hasNext();)
-        folder = QFileInfo(it.next()).absolutePath();
-    const QStringList journals = QDir(folder).entryList({QStringLiteral("session-*.db")});
-    ASSERT_EQ(journals.size(), 1) << folder.toStdString();
-    {
-        QFile damaged(QDir(folder).filePath(journals[0]));
-        ASSERT_TRUE(damaged.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        damaged.write("not a journal");
-        QFile::remove(damaged.fileName() + QStringLiteral("-wal"));
-        QFile::remove(damaged.fileName() + QStringLiteral("-shm"));
-    }
-    LiveLauncher fourth(h);
-    ASSERT_TRUE(fourth.start());
-    const std::optional<QJsonObject> empty = fourth.send(QStringLiteral("state"));
-    ASSERT_TRUE(empty.has_value()) << fourth.error().toStdString();
-    const QStringList texts = boxTexts(*empty);
-    ASSERT_EQ(texts.size(), 1);
-    EXPECT_TRUE(texts[0].startsWith(QStringLiteral("Velto提示: 上次的校验记录无法读取，已另存为"))) << texts[0].toStdString();
-    EXPECT_EQ(empty->value(QStringLiteral("lblPickedNum")).toString(), QStringLiteral("0/"));
-    EXPECT_EQ(QDir(folder).entryList({QStringLiteral("session-*.unreadable-*")}).size(), 1);
-    EXPECT_EQ(fourth.finish(), 0);
-}
+INSTANTIATE_TEST_SUITE_P(Views, JournalReplay, ::testing::Values(false, true),
+                         [](const ::testing::TestParamInfo<bool>& info) { return info.param ? "grid" : "tiles"; });

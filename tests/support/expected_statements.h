@@ -199,8 +199,6 @@ inline QString goodsQuantity(const QString& code, bool numeric, bool hasSerialGo
 
 inline const QString DeliverOnPick =
     QStringLiteral("SELECT FValue  FROM t_SystemProfile WHERE FCategory = 'EC' AND FKey = 'DeliveryWhenWeightedOrPick'");
-inline const QString CreateStockBill =
-    QStringLiteral("SELECT FValue  FROM t_SystemProfile WHERE FCategory = 'EC' AND FKey = 'CreateStockBillType'");
 
 inline QString picker(int userId)
 {

@@ -19,18 +19,13 @@ struct HostRecorder {
     QQueue<int> answers;      // the next answers to question boxes; Yes when empty
     QStringList voices;
 
-    QStringList texts() const
+    QStringList texts() const { return each(&ShownBox::text); }
+    QStringList titles() const { return each(&ShownBox::title); }
+    QStringList each(QString ShownBox::*field) const
     {
         QStringList all;
         for (const ShownBox& box : boxes)
-            all << box.text;
-        return all;
-    }
-    QStringList titles() const
-    {
-        QStringList all;
-        for (const ShownBox& box : boxes)
-            all << box.title;
+            all << box.*field;
         return all;
     }
 };

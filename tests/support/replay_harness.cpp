@@ -3,65 +3,35 @@
 #include <QAtomicInt>
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
-#include <QProcess>
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <stdexcept>
+#include <gtest/gtest.h>
 
 namespace {
 
-constexpr int RunTimeoutMs = 120000;
+constexpr int TimeoutMs = 120000;
 
-// One SQLite connection per call, closed before the launcher runs again.
-template <class Work>
-void withDatabase(const QString& file, Work work)
+// RNW_BIN_DIR, else beside the test program.
+QString launcherPath()
 {
-    static QAtomicInt counter;
-    const QString name = QStringLiteral("replay_harness_%1").arg(counter.fetchAndAddRelaxed(1));
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(file);
-        if (!db.open())
-            throw std::runtime_error(db.lastError().text().toStdString());
-        RegisterTextCollation(db);
-        work(db);
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(name);
+    const QString dir = qEnvironmentVariable("RNW_BIN_DIR", QCoreApplication::applicationDirPath());
+    return QDir(dir).filePath(QStringLiteral("rnwdpicking"));
 }
 
-QSqlQuery runQuery(QSqlDatabase& db, const QString& sql, const QVariantList& params)
+// The demo database, made once a process by the launcher itself.
+const QString& pristineDemo()
 {
-    QSqlQuery query(db);
-    if (!query.prepare(sql))
-        throw std::runtime_error(query.lastError().text().toStdString());
-    for (const QVariant& p : params)
-        query.addBindValue(p);
-    if (!query.exec())
-        throw std::runtime_error(query.lastError().text().toStdString());
-    return query;
-}
-
-// The launcher's standard output as JSON objects, one per line; a line that
-// is not a JSON object is kept as {"unparsed": line}.
-QList<QJsonObject> parseLines(const QByteArray& output)
-{
-    QList<QJsonObject> lines;
-    for (const QByteArray& raw : output.split('\n')) {
-        const QByteArray line = raw.trimmed();
-        if (line.isEmpty())
-            continue;
-        QJsonParseError error{};
-        const QJsonDocument doc = QJsonDocument::fromJson(line, &error);
-        if (error.error == QJsonParseError::NoError && doc.isObject())
-            lines << doc.object();
-        else
-            lines << QJsonObject{{QStringLiteral("unparsed"), QString::fromUtf8(line)}};
-    }
-    return lines;
+    static QTemporaryDir dir;
+    static const QString file = dir.filePath(QStringLiteral("pristine.db"));
+    static const int made = QProcess::execute(launcherPath(), {QStringLiteral("--init-demo"), file});
+    EXPECT_EQ(made, 0) << "rnwdpicking --init-demo " << file.toStdString();
+    return file;
 }
 
 } // namespace
@@ -74,159 +44,225 @@ QJsonObject ReplayRun::step(int number) const
     return {};
 }
 
-QStringList ReplayRun::allBoxTexts() const
+std::string ReplayRun::describe() const
 {
-    QStringList texts;
-    for (const QJsonObject& s : steps)
-        texts += boxTexts(s);
-    return texts;
-}
-
-QString ReplayRun::describe() const
-{
-    return QStringLiteral("exit %1%2\nstderr: %3\nstdout: %4")
+    return QStringLiteral("exit %1\nstderr: %2\nstdout: %3")
         .arg(exitCode)
-        .arg(crashed ? QStringLiteral(" (crashed)") : QString())
-        .arg(standardError.left(4000), standardOutput.left(8000));
+        .arg(standardError.left(4000), standardOutput.left(8000))
+        .toStdString();
 }
 
-ReplayHarness::ReplayHarness()
+ReplayHarness::ReplayHarness() : m_dbFile(m_dir.filePath(QStringLiteral("demo.db")))
 {
-    if (!m_dir.isValid()) {
-        m_error = QStringLiteral("no temporary folder");
-        return;
-    }
-    m_dbFile = m_dir.filePath(QStringLiteral("demo.db"));
-    const ReplayRun init = runRaw({QStringLiteral("--init-demo"), m_dbFile});
-    m_ready = init.exitCode == 0 && !init.crashed && QFile::exists(m_dbFile);
-    if (!m_ready)
-        m_error = init.describe();
+    EXPECT_TRUE(QFile::copy(pristineDemo(), m_dbFile)) << "no demo database in " << m_dir.path().toStdString();
 }
 
 QProcessEnvironment ReplayHarness::environment() const
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    // The launcher's user data (the --demo database, session journals) stays
-    // inside the test's folder.
     env.insert(QStringLiteral("XDG_DATA_HOME"), m_dir.filePath(QStringLiteral("xdg-data")));
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_dir.filePath(QStringLiteral("xdg-config")));
     return env;
 }
 
-QString ReplayHarness::propsString(int userId) const
+QStringList ReplayHarness::props(int userId) const
 {
-    return QStringLiteral("UserID=%1;ConnectString={Provider=SQLite;Data Source=%2};").arg(userId).arg(m_dbFile);
+    return {QStringLiteral("--props"),
+            QStringLiteral("UserID=%1;ConnectString={Provider=SQLite;Data Source=%2};").arg(userId).arg(m_dbFile)};
 }
 
-ReplayRun ReplayHarness::run(const QString& script, const QStringList& extraArgs) const
+ReplayRun ReplayHarness::run(const QStringList& commands, const QStringList& extraArgs) const
 {
     static QAtomicInt counter;
-    const QString scriptFile = m_dir.filePath(QStringLiteral("script_%1.txt").arg(counter.fetchAndAddRelaxed(1)));
-    QFile file(scriptFile);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        ReplayRun failed;
-        failed.standardError = QStringLiteral("cannot write %1").arg(scriptFile);
-        return failed;
-    }
-    file.write(script.toUtf8());
+    QFile file(m_dir.filePath(QStringLiteral("script_%1.txt").arg(counter.fetchAndAddRelaxed(1))));
+    if (!file.open(QIODevice::WriteOnly) || file.write(commands.join(QLatin1Char('\n')).toUtf8() + '\n') < 0)
+        ADD_FAILURE() << "cannot write " << file.fileName().toStdString();
     file.close();
-
-    QStringList args = extraArgs;
-    if (!args.contains(QStringLiteral("--props")) && !args.contains(QStringLiteral("--demo")))
-        args << QStringLiteral("--props") << propsString();
-    args << QStringLiteral("--replay") << scriptFile;
-    return runRaw(args);
+    const QStringList args = extraArgs.contains(QStringLiteral("--props")) ? extraArgs : extraArgs + props();
+    return runRaw(args + QStringList{QStringLiteral("--replay"), file.fileName()});
 }
 
+ReplayRun ReplayHarness::play(const QList<ReplayStep>& steps, const QStringList& extraArgs) const
+{
+    QStringList commands;
+    static const QRegularExpression barcode(QStringLiteral("@(\\d+)"));
+    for (const ReplayStep& s : steps) {
+        const QRegularExpressionMatch m = barcode.match(s.command);
+        commands << (m.hasMatch() ? QString(s.command).replace(m.captured(0), sql(QStringLiteral(
+                            "SELECT FBarCode FROM t_Barcode WHERE FItemID = ?"), {m.captured(1)}).toString())
+                                  : s.command);
+    }
+    const ReplayRun r = run(commands, extraArgs);
+    EXPECT_EQ(r.exitCode, 0) << r.describe();
+    EXPECT_EQ(r.steps.size(), steps.size()) << r.describe();
+    for (int i = 0; i < steps.size() && i < r.steps.size(); ++i) {
+        SCOPED_TRACE(QStringLiteral("step %1: %2").arg(i + 1).arg(commands[i]).toStdString());
+        expectShown(r.steps[i], steps[i].shows);
+    }
+    return r;
+}
+
+// A line that is not a JSON object is kept as {"unparsed": line}.
 ReplayRun ReplayHarness::runRaw(const QStringList& args, const QString& stdinScript) const
 {
     ReplayRun result;
     QProcess process;
     process.setProcessEnvironment(environment());
     process.start(launcherPath(), args);
-    if (!process.waitForStarted(RunTimeoutMs)) {
-        result.standardError = QStringLiteral("cannot start %1: %2").arg(launcherPath(), process.errorString());
+    if (!process.waitForStarted(TimeoutMs)) {
+        result.standardError = QStringLiteral("cannot start the launcher: ") + process.errorString();
         return result;
     }
     if (!stdinScript.isNull())
         process.write(stdinScript.toUtf8());
     process.closeWriteChannel();
-    if (!process.waitForFinished(RunTimeoutMs)) {
+    const bool ended = process.waitForFinished(TimeoutMs);
+    if (!ended)
         process.kill();
-        process.waitForFinished();
-        result.crashed = true;
-    }
+    process.waitForFinished();
     const QByteArray out = process.readAllStandardOutput();
     result.standardOutput = QString::fromUtf8(out);
     result.standardError = QString::fromUtf8(process.readAllStandardError());
-    result.crashed = result.crashed || process.exitStatus() != QProcess::NormalExit;
-    result.exitCode = result.crashed ? -1 : process.exitCode();
-    result.steps = parseLines(out);
+    result.exitCode = ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    for (const QByteArray& line : out.split('\n')) {
+        const QJsonDocument doc = QJsonDocument::fromJson(line.trimmed());
+        if (!line.trimmed().isEmpty())
+            result.steps << (doc.isObject() ? doc.object() : QJsonObject{{"unparsed", QString::fromUtf8(line)}});
+    }
     return result;
 }
 
-QVariant ReplayHarness::queryValue(const QString& sql, const QVariantList& params) const
+QVariant ReplayHarness::sql(const QString& statement, const QVariantList& params) const
 {
-    return queryValueOf(m_dbFile, sql, params);
-}
-
-QVariant ReplayHarness::queryValueOf(const QString& file, const QString& sql, const QVariantList& params)
-{
+    static QAtomicInt counter;
+    const QString name = QStringLiteral("replay_harness_%1").arg(counter.fetchAndAddRelaxed(1));
     QVariant value;
-    withDatabase(file, [&](QSqlDatabase& db) {
-        QSqlQuery query = runQuery(db, sql, params);
-        if (query.next())
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(m_dbFile);
+        if (db.open())
+            RegisterTextCollation(db);
+        QSqlQuery query(db);
+        query.prepare(statement);
+        for (const QVariant& p : params)
+            query.addBindValue(p);
+        if (query.exec() && query.next())
             value = query.value(0);
-    });
+        EXPECT_FALSE(query.lastError().isValid()) << query.lastError().text().toStdString();
+    }
+    QSqlDatabase::removeDatabase(name);
     return value;
 }
 
-void ReplayHarness::execute(const QString& sql, const QVariantList& params) const
+QString ReplayHarness::orders(const QString& codes) const
 {
-    withDatabase(m_dbFile, [&](QSqlDatabase& db) { runQuery(db, sql, params); });
+    return sql(QStringLiteral("SELECT group_concat(r, ' ') FROM (SELECT FUniqueCode || ':'"
+                              " || IFNULL(FPIckingGoodsStatus, 'n') || '/' || IFNULL(FPickingGoodMan, 'n') || '/'"
+                              " || IFNULL(FDeliveryStatus, 'n') || '/' || (FSendDate IS NOT NULL) AS r"
+                              " FROM IC_Web2ERPOrders WHERE FUniqueCode IN (%1) ORDER BY FID)")
+                   .arg(codes))
+        .toString();
 }
 
-QString ReplayHarness::launcherPath()
+QString ReplayHarness::serials() const
 {
-    QString dir = qEnvironmentVariable("RNW_BIN_DIR");
-    if (dir.isEmpty())
-        dir = QCoreApplication::applicationDirPath();
-    return QDir(dir).filePath(QStringLiteral("rnwdpicking"));
+    return sql(QStringLiteral("SELECT group_concat(r, ' ') FROM (SELECT FEntryID || '|' || FSerialNumber AS r"
+                              " FROM IC_Web2ErpOrderSerial ORDER BY r)"))
+        .toString();
 }
 
-QStringList jsonStrings(const QJsonValue& array)
+QString shown(const QJsonObject& state, const QString& key)
 {
+    const bool checkedTotal = key == QLatin1String("checked");
+    const QString array = checkedTotal ? QStringLiteral("lines") : key.section(QLatin1Char(':'), 0, 0);
     QStringList texts;
-    for (const QJsonValue& v : array.toArray())
-        texts << v.toString();
-    return texts;
-}
-
-QStringList boxTexts(const QJsonObject& step)
-{
-    QStringList texts;
-    for (const QJsonValue& box : step.value(QStringLiteral("boxes")).toArray())
-        texts << box[QStringLiteral("title")].toString() + QStringLiteral(": ") + box[QStringLiteral("text")].toString();
-    return texts;
-}
-
-QStringList lineSummaries(const QJsonObject& step)
-{
-    QStringList texts;
-    for (const QJsonValue& v : step.value(QStringLiteral("lines")).toArray()) {
-        const QJsonObject line = v.toObject();
-        auto text = [&](const char* key) { return line.value(QLatin1String(key)).toVariant().toString(); };
-        texts << QStringLiteral("%1/%2:%3/%4/%5")
-                     .arg(text("GoodsID"), text("FEntryID"), text("GoodsOrderCnt"), text("GoodsPickCnt"), text("GoodsCheckedCnt"));
+    int checked = 0;
+    for (const QJsonValue& v : state.value(array).toArray()) {
+        const auto text = [&](const char* k) { return v[QLatin1String(k)].toVariant().toString(); };
+        checked += text("GoodsCheckedCnt").toInt();
+        if (key == QLatin1String("boxes"))
+            texts << text("title") + QStringLiteral(": ") + text("text");
+        else if (key == QLatin1String("lines"))
+            texts << QStringLiteral("%1/%2:%3/%4/%5").arg(text("GoodsID"), text("FEntryID"), text("GoodsOrderCnt"),
+                                                         text("GoodsPickCnt"), text("GoodsCheckedCnt"));
+        else if (key == QStringLiteral("lines:") + text("GoodsID"))
+            texts << text("GoodsCheckedCnt") + QLatin1Char('/') + text("GoodsOrderCnt");
+        else if (v.isString())
+            texts << v.toString();
     }
-    return texts;
+    if (checkedTotal)
+        return QString::number(checked);
+    if (key == QLatin1String("boxes") || key == QLatin1String("log"))
+        return texts.join(QLatin1Char('\n'));
+    if (key == QLatin1String("voice") || key.startsWith(QLatin1String("lines"))) {
+        if (key.startsWith(QLatin1String("lines:")))
+            texts.sort();
+        return texts.join(QLatin1Char(' '));
+    }
+    const QJsonValue value = state.value(key);
+    return value.isBool() ? QString::fromLatin1(value.toBool() ? "yes" : "no") : value.toVariant().toString();
 }
 
-int checkedTotal(const QJsonObject& step)
+void expectShown(const QJsonObject& state, const Shown& shows)
 {
-    int total = 0;
-    for (const QJsonValue& v : step.value(QStringLiteral("lines")).toArray())
-        total += v.toObject().value(QStringLiteral("GoodsCheckedCnt")).toVariant().toInt();
-    return total;
+    for (const auto& [key, want] : shows) {
+        const QString got = shown(state, key);
+        if (want.startsWith(QLatin1Char('~')))
+            EXPECT_TRUE(got.contains(want.mid(1))) << key.toStdString() << ": " << got.toStdString();
+        else if (want.startsWith(QLatin1Char('!')))
+            EXPECT_FALSE(got.contains(want.mid(1))) << key.toStdString() << ": " << got.toStdString();
+        else
+            EXPECT_EQ(got, want) << key.toStdString();
+    }
+}
+
+LiveLauncher::LiveLauncher(const ReplayHarness& harness)
+{
+    m_process.setProcessEnvironment(harness.environment());
+    m_process.start(launcherPath(), harness.props() << QStringLiteral("--replay") << QStringLiteral("-"));
+    if (!m_process.waitForStarted(TimeoutMs))
+        error = m_process.errorString();
+}
+
+LiveLauncher::~LiveLauncher()
+{
+    kill();
+}
+
+QJsonObject LiveLauncher::send(const QString& command)
+{
+    m_process.write(command.toUtf8() + '\n');
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < TimeoutMs) {
+        const qsizetype end = m_pending.indexOf('\n');
+        if (end >= 0) {
+            const QJsonDocument doc = QJsonDocument::fromJson(m_pending.left(end).trimmed());
+            m_pending.remove(0, end + 1);
+            if (doc.isObject())
+                return doc.object();
+        } else if (m_process.state() == QProcess::NotRunning) {
+            error = QStringLiteral("the launcher ended: ") + QString::fromUtf8(m_process.readAllStandardError());
+            return {};
+        } else if (m_process.waitForReadyRead(100)) {
+            m_pending += m_process.readAllStandardOutput();
+        }
+    }
+    error = QStringLiteral("no state line for \"%1\"").arg(command);
+    return {};
+}
+
+void LiveLauncher::kill()
+{
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+int LiveLauncher::finish()
+{
+    m_process.closeWriteChannel();
+    if (!m_process.waitForFinished(TimeoutMs))
+        kill();
+    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }

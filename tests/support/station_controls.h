@@ -6,10 +6,8 @@
 #include "log/log_list.h"
 #include "station/frm_pickig_goods.h"
 #include "station/scan_line_edit.h"
-#include "tiles/goods_big_view.h"
 #include "tiles/goods_list_view.h"
 #include <QCheckBox>
-#include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -39,20 +37,15 @@ struct StationControls {
     explicit StationControls(const QWidget* form) : f(form) {}
     const QWidget* f;
     StationControl<ScanLineEdit> TxtEmployee{f, "TxtEmployee"};
-    StationControl<QLabel> LblEmployee{f, "LblEmployee"};
     StationControl<ScanLineEdit> TxtID{f, "TxtID"};
-    StationControl<QLabel> LblID{f, "LblID"};
     StationControl<ScanLineEdit> TxtItemID{f, "TxtItemID"};
-    StationControl<QLabel> LblItemID{f, "LblItemID"};
     StationControl<ScanLineEdit> TxtNum{f, "TxtNum"};
-    StationControl<QLabel> lblNum{f, "lblNum"};
     StationControl<QLineEdit> txtWebshop{f, "txtWebshop"};
     StationControl<QCheckBox> chkBarCode{f, "chkBarCode"};
     StationControl<QCheckBox> chkHaveSerial{f, "chkHaveSerial"};
     StationControl<QCheckBox> chkShowText{f, "chkShowText"};
     StationControl<QPushButton> CmdBtnRePick{f, "CmdBtnRePick"};
     StationControl<::GoodsListView> GoodsListView{f, "GoodsListView"};
-    StationControl<::GoodsBigView> GoodsBigView{f, "GoodsBigView"};
     StationControl<::GoodsTextView> GoodsTextView{f, "GoodsTextView"};
     StationControl<LogList> LogList1{f, "LogList1"};
     StationControl<QLabel> lblOrderNum{f, "lblOrderNum"};
@@ -62,11 +55,6 @@ struct StationControls {
     StationControl<QLabel> lblPickInfo{f, "lblPickInfo"};
     StationControl<QLabel> lblMessage{f, "lblMessage"};
     StationControl<QLabel> ImgSuccess{f, "ImgSuccess"};
-    StationControl<QLabel> ImgDefault{f, "ImgDefault"};
-    StationControl<QFrame> fraMain{f, "fraMain"};
-    StationControl<QFrame> PicBack{f, "PicBack"};
-    StationControl<QFrame> PiclistBack{f, "PiclistBack"};
-    StationControl<QLabel> Label1{f, "Label1"};
 };
 
 inline StationControls controls(const QWidget* form) { return StationControls(form); }
