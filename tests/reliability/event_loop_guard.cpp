@@ -51,18 +51,17 @@ bool deliverGuarded(void** data)
 
 } // namespace
 
-EventLoopGuard::EventLoopGuard() : m_previous(g_current)
+EventLoopGuard::EventLoopGuard()
 {
-    if (!m_previous)
-        QInternal::registerCallback(QInternal::EventNotifyCallback, &deliverGuarded);
+    Q_ASSERT(!g_current);
+    QInternal::registerCallback(QInternal::EventNotifyCallback, &deliverGuarded);
     g_current = this;
 }
 
 EventLoopGuard::~EventLoopGuard()
 {
-    g_current = m_previous;
-    if (!m_previous)
-        QInternal::unregisterCallback(QInternal::EventNotifyCallback, &deliverGuarded);
+    g_current = nullptr;
+    QInternal::unregisterCallback(QInternal::EventNotifyCallback, &deliverGuarded);
 }
 
 void EventLoopGuard::run(const std::function<void()>& work, const QString& what)
@@ -73,7 +72,3 @@ void EventLoopGuard::run(const std::function<void()>& work, const QString& what)
         record(QStringLiteral("%1: %2").arg(what, describeCurrentException()));
     }
 }
-
-EventLoopGuard* EventLoopGuard::current() { return g_current; }
-
-void EventLoopGuard::record(const QString& what) { m_escapes << what; }

@@ -1,10 +1,10 @@
 #pragma once
-// Catches what would reach the event loop: while a guard lives, every event
+// Catches what would reach the event loop: while the guard lives, every event
 // that Qt delivers through sendEvent, postEvent or processEvents runs inside
 // a try block, and an exception that leaves a handler is recorded instead of
 // tearing the test program down. QTest's key and mouse clicks call
 // QApplication::notify directly and bypass that hook, so the fixtures send
-// them through run(), which guards them the same way.
+// them through run(), which guards them the same way. One guard at a time.
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -22,12 +22,8 @@ public:
     // What escaped so far: "where: description", in order.
     QStringList escapes() const { return m_escapes; }
     void clear() { m_escapes.clear(); }
-
-    // The guard that is installed now, or null.
-    static EventLoopGuard* current();
-    void record(const QString& what);
+    void record(const QString& what) { m_escapes << what; }
 
 private:
     QStringList m_escapes;
-    EventLoopGuard* m_previous = nullptr;
 };

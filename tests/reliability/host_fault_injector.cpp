@@ -1,28 +1,24 @@
 #include "reliability/host_fault_injector.h"
 #include "host/object_factory.h"
+#include <QHash>
+#include <QRegularExpression>
 #include <QSet>
+#include <algorithm>
 
 const QString HostFaultInjector::FaultMarker = QStringLiteral("injected fault");
 
 struct HostFaultInjector::State {
     QList<HostCall> calls;
     QHash<QString, int> counts;
-    QSet<QString> armed;            // "key#number"
-    QHash<QString, int> creations;  // per ProgID
-    QSet<QString> armedCreations;   // "progId#number"
+    QSet<QString> armed;   // "key#number"
 
-    // Counts the call and fails it when armed.
-    void enter(const QString& key, const QString& detail)
+    // Counts the call; false when it is to fail.
+    bool pass(const QString& key, const QString& detail)
     {
         const int number = ++counts[key];
-        HostCall call{key, number, detail, false};
-        const QString tag = key + QLatin1Char('#') + QString::number(number);
-        if (armed.remove(tag)) {
-            call.failed = true;
-            calls.append(call);
-            throw HostError(FaultNumber, QStringLiteral("%1: %2").arg(FaultMarker, tag));
-        }
-        calls.append(call);
+        const bool fail = armed.remove(key + QLatin1Char('#') + QString::number(number));
+        calls.append({key, number, detail, fail});
+        return !fail;
     }
 };
 
@@ -30,172 +26,130 @@ namespace {
 
 using StatePtr = std::shared_ptr<HostFaultInjector::State>;
 
-QString op(const QString& progId, const char* operation) { return HostFaultInjector::key(progId, operation); }
-
-// A wrapper keeps the real object and the shared state; each call is counted
-// (and maybe failed) before it is handed on.
-template <class Interface>
-class Wrapped : public Interface {
+template <class I>
+class Wrapped : public I {
 public:
-    Wrapped(std::shared_ptr<Interface> inner, StatePtr s) : m_inner(std::move(inner)), m_s(std::move(s)) {}
+    using Interface = I;
+    Wrapped(QString progId, std::shared_ptr<I> inner, StatePtr s)
+        : m_inner(std::move(inner)), m_progId(std::move(progId)), m_s(std::move(s))
+    {
+    }
 
 protected:
-    std::shared_ptr<Interface> m_inner;
+    void enter(const char* operation, const QString& detail)
+    {
+        const QString key = HostFaultInjector::key(m_progId, operation);
+        if (!m_s->pass(key, detail))
+            throw HostError(91000, QStringLiteral("%1: %2#%3").arg(HostFaultInjector::FaultMarker, key).arg(m_s->counts[key]));
+    }
+
+    std::shared_ptr<I> m_inner;
+
+private:
+    QString m_progId;
     StatePtr m_s;
 };
 
-class SharePropsWrapper : public Wrapped<IShareProps> {
-public:
-    using Wrapped::Wrapped;
-    QVariant GetProperty(qint64 processId, const QString& name) override
-    {
-        m_s->enter(op(ProgIds::ShareProps, "GetProperty"), name);
-        return m_inner->GetProperty(processId, name);
+// An operation that is counted, and maybe failed, before it is handed on.
+#define RNW_PASS_ON(Ret, Name, Params, Args, Detail) \
+    Ret Name Params override                         \
+    {                                                \
+        enter(#Name, Detail);                        \
+        return m_inner->Name Args;                   \
     }
-    void SetProperty(qint64 processId, const QString& name, const QVariant& value) override
+
+struct ShareProps : Wrapped<IShareProps> {
+    using Wrapped::Wrapped;
+    RNW_PASS_ON(QVariant, GetProperty, (qint64 process, const QString& name), (process, name), {})
+    void SetProperty(qint64 process, const QString& name, const QVariant& value) override
     {
-        m_inner->SetProperty(processId, name, value);
+        m_inner->SetProperty(process, name, value);
     }
 };
 
-class GetDataWrapper : public Wrapped<IGetData> {
-public:
+struct GetData : Wrapped<IGetData> {
     using Wrapped::Wrapped;
-    RecordsetPtr ExecuteSQL(const QString& props, const QString& sql) override
-    {
-        m_s->enter(op(ProgIds::GetData, "ExecuteSQL"), sql);
-        return m_inner->ExecuteSQL(props, sql);
-    }
-    std::optional<GoodsRecord> CheckReturnBills(const GoodsRecord& record) override
-    {
-        m_s->enter(op(ProgIds::GetData, "CheckReturnBills"),
-                   record.isNone() ? QString() : record.GetValue(QStringLiteral("FID")).toString());
-        return m_inner->CheckReturnBills(record);
-    }
+    RNW_PASS_ON(RecordsetPtr, ExecuteSQL, (const QString& props, const QString& sql), (props, sql), sql)
+    RNW_PASS_ON(std::optional<GoodsRecord>, CheckReturnBills, (const GoodsRecord& record), (record), {})
 };
 
-class SaveDataWrapper : public Wrapped<ISaveData> {
-public:
+struct SaveData : Wrapped<ISaveData> {
     using Wrapped::Wrapped;
-    void SavePickingGoods(const GoodsRecord& record) override
-    {
-        m_s->enter(op(ProgIds::SaveData, "SavePickingGoods"),
-                   record.isNone() ? QString()
-                                   : record.GetValue(QStringLiteral("FLogisticsOrder")).toString() + QLatin1Char('=')
-                                       + record.GetValue(QStringLiteral("FPickingGoodsstatus")).toString());
-        m_inner->SavePickingGoods(record);
-    }
-    void UpdateDeliveryData(const QString& props, qint64 fid) override
-    {
-        m_s->enter(op(ProgIds::SaveData, "UpdateDeliveryData"), QString::number(fid));
-        m_inner->UpdateDeliveryData(props, fid);
-    }
+    RNW_PASS_ON(void, SavePickingGoods, (const GoodsRecord& r), (r),
+                r.isNone() ? QString() : r.GetValue(QStringLiteral("FPickingGoodsstatus")).toString())
+    RNW_PASS_ON(void, UpdateDeliveryData, (const QString& props, qint64 fid), (props, fid), {})
 };
 
-class WebOrderInfoWrapper : public Wrapped<IWebOrderInfo> {
-public:
+struct WebOrderInfo : Wrapped<IWebOrderInfo> {
     using Wrapped::Wrapped;
-    std::optional<GoodsRecord> GetSingleSQLData(const QString& props, const QString& sql) override
-    {
-        m_s->enter(op(ProgIds::WebOrderInfo, "GetSingleSQLData"), sql);
-        return m_inner->GetSingleSQLData(props, sql);
-    }
+    RNW_PASS_ON(std::optional<GoodsRecord>, GetSingleSQLData, (const QString& props, const QString& sql), (props, sql), sql)
 };
 
-class UserProfileWrapper : public Wrapped<IUserProfile> {
-public:
+struct UserProfile : Wrapped<IUserProfile> {
     using Wrapped::Wrapped;
-    GoodsRecord LoadUserProfile(const QString& props, const QString& category, const QString& key) override
-    {
-        m_s->enter(op(ProgIds::UserProfile, "LoadUserProfile"), key);
-        return m_inner->LoadUserProfile(props, category, key);
-    }
-    void SaveUserProfile(const QString& props, const QString& category, const QString& key, const GoodsRecord& record) override
-    {
-        m_s->enter(op(ProgIds::UserProfile, "SaveUserProfile"), key);
-        m_inner->SaveUserProfile(props, category, key, record);
-    }
+    RNW_PASS_ON(GoodsRecord, LoadUserProfile, (const QString& p, const QString& c, const QString& key), (p, c, key), key)
+    RNW_PASS_ON(void, SaveUserProfile, (const QString& p, const QString& c, const QString& key, const GoodsRecord& r),
+                (p, c, key, r), key)
 };
 
-class AccessoryViewWrapper : public Wrapped<IAccessoryView> {
-public:
+struct AccessoryView : Wrapped<IAccessoryView> {
     using Wrapped::Wrapped;
-    QByteArray GetID(const QString& props, int attachmentId) override
-    {
-        m_s->enter(op(ProgIds::AccessoryView, "GetID"), QString::number(attachmentId));
-        return m_inner->GetID(props, attachmentId);
-    }
+    RNW_PASS_ON(QByteArray, GetID, (const QString& props, int attachment), (props, attachment), {})
 };
 
-class ZipWrapper : public Wrapped<IZip> {
-public:
+struct Zip : Wrapped<IZip> {
     using Wrapped::Wrapped;
-    void DeCompress(const QString& sourcePath, const QString& targetPath) override
-    {
-        m_s->enter(op(ProgIds::Zip, "DeCompress"), targetPath.section(QLatin1Char('/'), -1));
-        m_inner->DeCompress(sourcePath, targetPath);
-    }
+    RNW_PASS_ON(void, DeCompress, (const QString& source, const QString& target), (source, target), {})
 };
 
-class SoundWrapper : public Wrapped<ISound> {
-public:
+struct Sound : Wrapped<ISound> {
     using Wrapped::Wrapped;
-    void Play(const QString& fileName) override
-    {
-        m_s->enter(op(ProgIds::Sound, "Play"), fileName);
-        m_inner->Play(fileName);
-    }
+    RNW_PASS_ON(void, Play, (const QString& fileName), (fileName), fileName)
 };
 
-class ResLoaderWrapper : public Wrapped<IResLoader> {
-public:
+struct ResLoader : Wrapped<IResLoader> {
     using Wrapped::Wrapped;
     void setResDirectory(const QString& dir) override { m_inner->setResDirectory(dir); }
     void setResFileBaseName(const QString& name) override { m_inner->setResFileBaseName(name); }
     void setLanguageID(const QString& code) override { m_inner->setLanguageID(code); }
-    QString LoadString(const QString& key) override
-    {
-        m_s->enter(op(ProgIds::ResLoader, "LoadString"), key);
-        return m_inner->LoadString(key);
-    }
+    RNW_PASS_ON(QString, LoadString, (const QString& key), (key), {})
 };
 
-class FrmResLoaderWrapper : public Wrapped<IFrmResLoader> {
-public:
+struct FrmResLoader : Wrapped<IFrmResLoader> {
     using Wrapped::Wrapped;
-    QString SetFrmFont(QWidget* form, const QString& languageCode, bool& flag) override
-    {
-        m_s->enter(op(ProgIds::FrmResLoader, "SetFrmFont"), languageCode);
-        return m_inner->SetFrmFont(form, languageCode, flag);
-    }
+    RNW_PASS_ON(QString, SetFrmFont, (QWidget * form, const QString& code, bool& flag), (form, code, flag), {})
 };
 
-template <class Interface, class Wrapper>
-bool wrapAs(const QString& progId, const std::shared_ptr<ServerObject>& object, const StatePtr& state)
+#undef RNW_PASS_ON
+
+template <class Wrapper>
+void wrap(const QString& progId, const StatePtr& state)
 {
-    auto inner = std::dynamic_pointer_cast<Interface>(object);
-    if (!inner)
-        return false;
+    auto inner = CreateServerObjectAs<typename Wrapper::Interface>(progId);
     RegisterServerObject(progId, [progId, inner, state]() -> std::shared_ptr<ServerObject> {
-        const int number = ++state->creations[progId];
-        if (state->armedCreations.remove(progId + QLatin1Char('#') + QString::number(number)))
-            return nullptr;   // the factory answers "can't create object"
-        return std::make_shared<Wrapper>(inner, state);
+        // No object: the factory says it can't create one.
+        if (!state->pass(HostFaultInjector::key(progId, "new"), {}))
+            return nullptr;
+        return std::make_shared<Wrapper>(progId, inner, state);
     });
-    return true;
 }
 
 } // namespace
 
 HostFaultInjector::HostFaultInjector() : m_state(std::make_shared<State>()) {}
 
-HostFaultInjector::~HostFaultInjector() = default;
-
-QStringList HostFaultInjector::allProgIds()
+void HostFaultInjector::install()
 {
-    return {ProgIds::ShareProps,  ProgIds::GetData,       ProgIds::SaveData, ProgIds::WebOrderInfo,
-            ProgIds::UserProfile, ProgIds::AccessoryView, ProgIds::Zip,      ProgIds::Sound,
-            ProgIds::ResLoader,   ProgIds::FrmResLoader};
+    wrap<ShareProps>(ProgIds::ShareProps, m_state);
+    wrap<GetData>(ProgIds::GetData, m_state);
+    wrap<SaveData>(ProgIds::SaveData, m_state);
+    wrap<WebOrderInfo>(ProgIds::WebOrderInfo, m_state);
+    wrap<UserProfile>(ProgIds::UserProfile, m_state);
+    wrap<AccessoryView>(ProgIds::AccessoryView, m_state);
+    wrap<Zip>(ProgIds::Zip, m_state);
+    wrap<Sound>(ProgIds::Sound, m_state);
+    wrap<ResLoader>(ProgIds::ResLoader, m_state);
+    wrap<FrmResLoader>(ProgIds::FrmResLoader, m_state);
 }
 
 QString HostFaultInjector::key(const QString& progId, const char* operation)
@@ -203,114 +157,42 @@ QString HostFaultInjector::key(const QString& progId, const char* operation)
     return progId + QLatin1Char('.') + QLatin1String(operation);
 }
 
-void HostFaultInjector::install(const QStringList& progIds)
-{
-    for (const QString& id : progIds) {
-        const std::shared_ptr<ServerObject> object = CreateServerObject(id);
-        const bool wrapped = wrapAs<IShareProps, SharePropsWrapper>(id, object, m_state)
-            || wrapAs<IGetData, GetDataWrapper>(id, object, m_state)
-            || wrapAs<ISaveData, SaveDataWrapper>(id, object, m_state)
-            || wrapAs<IWebOrderInfo, WebOrderInfoWrapper>(id, object, m_state)
-            || wrapAs<IUserProfile, UserProfileWrapper>(id, object, m_state)
-            || wrapAs<IAccessoryView, AccessoryViewWrapper>(id, object, m_state)
-            || wrapAs<IZip, ZipWrapper>(id, object, m_state)
-            || wrapAs<ISound, SoundWrapper>(id, object, m_state)
-            || wrapAs<IResLoader, ResLoaderWrapper>(id, object, m_state)
-            || wrapAs<IFrmResLoader, FrmResLoaderWrapper>(id, object, m_state);
-        if (!wrapped)
-            throw HostError(HostErrors::CannotCreateObject, QStringLiteral("no wrapper for %1").arg(id));
-    }
-}
-
 void HostFaultInjector::arm(const QString& key, int number)
 {
     m_state->armed.insert(key + QLatin1Char('#') + QString::number(number));
 }
 
-void HostFaultInjector::armCreation(const QString& progId, int number)
-{
-    m_state->armedCreations.insert(progId + QLatin1Char('#') + QString::number(number));
-}
-
-void HostFaultInjector::disarm()
-{
-    m_state->armed.clear();
-    m_state->armedCreations.clear();
-}
+void HostFaultInjector::disarm() { m_state->armed.clear(); }
 
 QList<HostCall> HostFaultInjector::calls() const { return m_state->calls; }
 
 int HostFaultInjector::count(const QString& key) const { return m_state->counts.value(key); }
 
-QList<HostCall> HostFaultInjector::failures() const
+bool HostFaultInjector::fired() const
 {
-    QList<HostCall> failed;
-    for (const HostCall& c : m_state->calls)
-        if (c.failed)
-            failed << c;
-    return failed;
+    return std::any_of(m_state->calls.begin(), m_state->calls.end(), [](const HostCall& c) { return c.failed; });
 }
 
 void HostFaultInjector::resetCounts()
 {
     m_state->calls.clear();
     m_state->counts.clear();
-    m_state->creations.clear();
 }
 
 bool SplitTsqlLiterals(const QString& sql, QStringList* literals, QString* shape)
 {
+    static const QRegularExpression literal(QStringLiteral("'([^']*(?:''[^']*)*)'"));
     QString outside;
-    qsizetype i = 0;
-    const qsizetype n = sql.size();
-    auto skipTo = [&](const QString& end) {
-        const qsizetype at = sql.indexOf(end, i);
-        if (at < 0)
-            return false;
-        outside += sql.mid(i, at + end.size() - i);
-        i = at + end.size();
-        return true;
-    };
-    while (i < n) {
-        const QChar c = sql[i];
-        if (c == QLatin1Char('-') && i + 1 < n && sql[i + 1] == QLatin1Char('-')) {
-            const qsizetype end = sql.indexOf(QLatin1Char('\n'), i);
-            outside += sql.mid(i, end < 0 ? -1 : end - i);
-            i = end < 0 ? n : end;
-        } else if (c == QLatin1Char('/') && i + 1 < n && sql[i + 1] == QLatin1Char('*')) {
-            i += 2;
-            outside += QStringLiteral("/*");
-            if (!skipTo(QStringLiteral("*/")))
-                return false;
-        } else if (c == QLatin1Char('[')) {
-            if (!skipTo(QStringLiteral("]")))
-                return false;
-        } else if (c == QLatin1Char('\'')) {
-            QString literal;
-            ++i;
-            for (;;) {
-                if (i >= n)
-                    return false;
-                if (sql[i] == QLatin1Char('\'')) {
-                    if (i + 1 < n && sql[i + 1] == QLatin1Char('\'')) {
-                        literal += QLatin1Char('\'');
-                        i += 2;
-                        continue;
-                    }
-                    ++i;
-                    break;
-                }
-                literal += sql[i++];
-            }
-            if (literals)
-                *literals << literal;
-            outside += QStringLiteral("'?'");
-        } else {
-            outside += c;
-            ++i;
-        }
+    qsizetype from = 0;
+    for (const QRegularExpressionMatch& m : literal.globalMatch(sql)) {
+        outside += sql.mid(from, m.capturedStart() - from) + QStringLiteral("'?'");
+        from = m.capturedEnd();
+        if (literals)
+            *literals << m.captured(1).replace(QStringLiteral("''"), QStringLiteral("'"));
     }
+    // A quote between two literals would have opened one: only the rest can hold an open one.
+    outside += sql.mid(from);
     if (shape)
         *shape = outside;
-    return true;
+    return !sql.mid(from).contains(QLatin1Char('\''));
 }

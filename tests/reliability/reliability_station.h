@@ -5,16 +5,9 @@
 #include "reliability/event_loop_guard.h"
 #include "reliability/host_fault_injector.h"
 #include "station/station_fixture.h"
-#include "grid/goods_text_view.h"
-#include "log/log_list.h"
 #include "support/qt_print.h"
-#include "tiles/goods_list_view.h"
-#include <QCheckBox>
 #include <QClipboard>
-#include <QLabel>
 #include <QMimeData>
-#include <QPushButton>
-
 
 // What a worker sees of the station and what it counts: everything that a
 // refused input must leave as it was.
@@ -22,23 +15,17 @@ struct StationSnapshot {
     QString currentOrder, orderNum, pickedNum, pickInfo, webshop;
     qint32 picked = 0, excess = 0, error = 0, missing = 0;
     bool passed = false;
-    QStringList lines;   // "GoodsID/FEntryID:order/pick/checked/serials"
+    QStringList lines;   // "GoodsID/FEntryID/order/pick/checked/serials"
     int sessionEntries = 0;
     QStringList logRows;
 
     bool operator==(const StationSnapshot&) const = default;
     QString describe() const
     {
-        return QStringLiteral("order %1 [%2 %3 %4] picked %5 excess %6 error %7 missing %8 passed %9 lines %10 log %11: %12")
-            .arg(currentOrder, orderNum, pickedNum, pickInfo)
-            .arg(picked)
-            .arg(excess)
-            .arg(error)
-            .arg(missing)
-            .arg(passed)
-            .arg(lines.join(QLatin1Char(' ')))
-            .arg(sessionEntries)
-            .arg(logRows.join(QStringLiteral(" | ")));
+        return QStringList{currentOrder, orderNum, pickedNum, pickInfo, webshop,
+                           QStringLiteral("%1/%2/%3/%4 passed %5").arg(picked).arg(excess).arg(error).arg(missing).arg(passed),
+                           lines.join(QLatin1Char(' ')), QString::number(sessionEntries), logRows.join(QStringLiteral(" | "))}
+            .join(QStringLiteral("; "));
     }
 };
 
@@ -110,7 +97,7 @@ protected:
     }
 
     // The clipboard and Ctrl+V, into the whole field.
-    void paste(QLineEdit* field, const QString& text, bool enter = true)
+    void paste(QLineEdit* field, const QString& text)
     {
         m_guard.run([&] {
             QApplication::clipboard()->setText(text);
@@ -119,8 +106,6 @@ protected:
             field->selectAll();
             QTest::keyClick(field, Qt::Key_V, Qt::ControlModifier);
         }, QStringLiteral("paste into %1").arg(field->objectName()));
-        if (enter)
-            press(field, Qt::Key_Return);
     }
 
     // Text dropped on the field, as from another window.
@@ -153,37 +138,27 @@ protected:
 
     StationSnapshot snapshot() const
     {
-        const frmPickigGoods& f = *m_form;
-        StationSnapshot s;
-        s.currentOrder = f.pickingState().CurrentOrderCode();
-        s.orderNum = controls(f).lblOrderNum->text();
-        s.pickedNum = controls(f).lblPickedNum->text();
-        s.pickInfo = controls(f).lblPickInfo->text();
-        s.webshop = controls(f).txtWebshop->text();
-        s.picked = f.pickingState().pickedNum();
-        s.excess = f.pickingState().excessNum();
-        s.error = f.pickingState().errorNum();
-        s.missing = f.pickingState().missingNum();
-        s.passed = controls(f).ImgSuccess->isVisible();
-        const RecordList lines = GetGoodsLineSet();
-        for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
-            const GoodsRecord l = lines.Item(i);
-            s.lines << QStringLiteral("%1/%2:%3/%4/%5/%6")
-                           .arg(l.GetValue(QStringLiteral("GoodsID")).toString(), l.GetValue(QStringLiteral("FEntryID")).toString(),
-                                l.GetValue(QStringLiteral("GoodsOrderCnt")).toString(), l.GetValue(QStringLiteral("GoodsPickCnt")).toString(),
-                                l.GetValue(QStringLiteral("GoodsCheckedCnt")).toString(), l.GetValue(QStringLiteral("FSeriNum")).toString());
+        QStringList lines;
+        const RecordList set = GetGoodsLineSet();
+        for (int i = 0; !set.isNone() && i < set.Count(); ++i) {
+            QStringList values;
+            for (const char* key : {"GoodsID", "FEntryID", "GoodsOrderCnt", "GoodsPickCnt", "GoodsCheckedCnt", "FSeriNum"})
+                values << set.Item(i).GetValue(QLatin1String(key)).toString();
+            lines << values.join(QLatin1Char('/'));
         }
-        s.sessionEntries = f.pickingState().SessionOrderLog().isNone() ? -1 : f.pickingState().SessionOrderLog().Count();
-        s.logRows = controls(f).LogList1->allRowTexts();
-        return s;
+        const PickingState& p = m_form->pickingState();
+        const auto c = controls(*m_form);
+        return {p.CurrentOrderCode(), c.lblOrderNum->text(), c.lblPickedNum->text(), c.lblPickInfo->text(), c.txtWebshop->text(),
+                p.pickedNum(),        p.excessNum(),         p.errorNum(),           p.missingNum(),        c.ImgSuccess->isVisible(),
+                lines,                p.SessionOrderLog().isNone() ? -1 : p.SessionOrderLog().Count(),  c.LogList1->allRowTexts()};
     }
 
-    // Boxes that carry an injected fault, and all box texts since a mark.
+    // Boxes that tell of an injected fault: a failed call or an object not made.
     QStringList faultBoxes() const
     {
         QStringList found;
         for (const ShownBox& box : m_rec->boxes)
-            if (box.text.contains(HostFaultInjector::FaultMarker))
+            if (box.text.contains(HostFaultInjector::FaultMarker) || box.text.contains(QStringLiteral("can't create object")))
                 found << box.title + QStringLiteral(": ") + box.text;
         return found;
     }

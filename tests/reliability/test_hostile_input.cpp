@@ -17,21 +17,15 @@ struct Payload {
     QString text;
 };
 
-QString nonBmp(char32_t codePoint) { return QString::fromUcs4(&codePoint, 1); }
-
-// Each holds the marker, so the statements that carry it can be found.
+// Each holds the marker, so that the statements that carry it can be found.
 QList<Payload> hostilePayloads()
 {
+    const char32_t wide[] = {0x1F600, 0x20000};
     return {
-        {"quotes", kMarker + QStringLiteral("' OR '1'='1")},
-        {"quote look-alikes", kMarker + QStringLiteral("\u2019; drop table t_ICItem; \u2018\u02BC\uFF07\u2032\u201B")},
-        {"control and format characters", kMarker + QStringLiteral("\u0001\u0002\t\r\n\u007F\u200B\u202E\u2028\u2029\uFEFFend")},
-        {"comment markers", kMarker + QStringLiteral(" -- x /* y */ z")},
-        {"statement separator", kMarker + QStringLiteral("; delete from IC_Web2ERPOrders; select 1")},
-        {"non-BMP characters", kMarker + nonBmp(0x1F600) + nonBmp(0x20000) + QStringLiteral("end") + nonBmp(0x2A6D6)},
-        {"wildcards and brackets", kMarker + QStringLiteral("%_[a-z]^\\\"")},
-        {"blanks around", QStringLiteral("   ") + kMarker + QStringLiteral("  x  ")},
-        {"CJK and full-width", kMarker + QStringLiteral("商品１２３＃")},
+        {"quotes and look-alikes", kMarker + QStringLiteral("' OR '1'='1\u2019; drop table t_ICItem; \u2018\u02BC\uFF07")},
+        {"control and format characters", kMarker + QStringLiteral("\u0001\t\r\n\u007F\u200B\u202E\u2028\uFEFFend")},
+        {"wildcards, comments, wide characters, blanks around",
+         QStringLiteral("  ") + kMarker + QStringLiteral("%_[a-z]^\\ -- /* 商品１２３") + QString::fromUcs4(wide, 2) + QStringLiteral("  ")},
         {"very long", kMarker + QString(9997, QLatin1Char('A'))},
     };
 }
@@ -44,51 +38,37 @@ protected:
 
     void enter(QLineEdit* field, const QString& text, Path path)
     {
-        switch (path) {
-        case Path::Typed:
-            scan(field, text);
-            break;
-        case Path::Pasted:
+        if (path == Path::Pasted)
             paste(field, text);
-            break;
-        case Path::Dropped:
+        else if (path == Path::Dropped)
             drop(field, text);
-            press(field, Qt::Key_Return);
-            break;
-        }
+        else
+            type(field, text);
+        press(field, Qt::Key_Return);
     }
 
     // Every statement sent to the middle tier since the last call carries the
-    // code as one literal, whole. (What the bridge makes of such a statement
-    // is fuzzed.)
-    void expectCodeStaysOneLiteral(const QString& code, const std::string& trace)
+    // code as one literal, whole.
+    void expectCodeStaysOneLiteral(const QString& code)
     {
-        SCOPED_TRACE(trace);
         int carried = 0;
         for (const HostCall& call : m_faults.calls().mid(m_seenCalls)) {
-            if (!call.key.endsWith(QStringLiteral(".ExecuteSQL")) && !call.key.endsWith(QStringLiteral(".GetSingleSQLData")))
+            if (!call.key.contains(QStringLiteral("SQL")))   // statements only
                 continue;
             QStringList literals;
             QString shape;
-            ASSERT_TRUE(SplitTsqlLiterals(call.detail, &literals, &shape)) << "a literal left open: " << call.detail.left(300).toStdString();
+            ASSERT_TRUE(SplitTsqlLiterals(call.detail, &literals, &shape)) << "a quote left open: " << call.detail.left(300).toStdString();
             EXPECT_FALSE(shape.contains(kMarker)) << "the code outside its quotes: " << shape.left(400).toStdString();
-            for (const QString& literal : literals) {
-                EXPECT_FALSE(literal.contains(QLatin1Char('\''))) << literal.left(200).toStdString();
-                if (literal.contains(kMarker)) {
-                    EXPECT_EQ(literal, code);
-                    ++carried;
-                }
+            for (const QString& literal : literals.filter(kMarker)) {
+                EXPECT_EQ(literal, code);
+                ++carried;
             }
         }
         m_seenCalls = m_faults.calls().size();
-        if (!code.isEmpty()) {
-            EXPECT_GT(carried, 0) << "the code never reached a statement";
-        }
+        EXPECT_GT(carried, 0) << "the code never reached a statement";
     }
 
     void skipCallsSoFar() { m_seenCalls = m_faults.calls().size(); }
-
-    int tableCount() const { return dbValue(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'table'")).toInt(); }
 
     int m_seenCalls = 0;
 };
@@ -100,20 +80,20 @@ TEST_F(HostileInputTest, HostileGoodsAndOrderCodesAreAnsweredAndCountNothing)
     scan(controls(f).TxtItemID, barcodeOf(1001));
     const StationSnapshot counted = snapshot();
     ASSERT_EQ(counted.pickedNum, QStringLiteral("1/4"));
-    const int tables = tableCount();
-    const int orders = dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ERPOrders")).toInt();
+    const QString tables = QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'table'");
+    const int tablesBefore = dbValue(tables).toInt();
 
+    // Goods codes, as barcodes and as serials: not found, nothing counted.
     for (bool serial : {false, true}) {
-        if (serial != controls(f).chkHaveSerial->isChecked()) {
+        if (serial) {
             click(controls(f).chkHaveSerial);
             scan(controls(f).TxtID, QStringLiteral("10001"));   // the order comes back from the session log
         }
+        ASSERT_EQ(snapshot().lines, counted.lines);
         const StationSnapshot before = snapshot();
-        ASSERT_EQ(before.lines, counted.lines);
         for (const Payload& p : hostilePayloads()) {
             for (Path path : {Path::Typed, Path::Pasted, Path::Dropped}) {
-                const std::string trace = std::string(p.name) + (serial ? " serial" : " barcode") + " path " + std::to_string(int(path));
-                SCOPED_TRACE(trace);
+                SCOPED_TRACE(std::string(p.name) + (serial ? " serial" : " barcode") + " path " + std::to_string(int(path)));
                 if (path == Path::Typed && p.text.size() > 1000 && serial)
                     continue;   // the long code is typed key by key once
                 skipCallsSoFar();
@@ -127,35 +107,23 @@ TEST_F(HostileInputTest, HostileGoodsAndOrderCodesAreAnsweredAndCountNothing)
                 EXPECT_EQ(snapshot(), before);
                 EXPECT_EQ(controls(f).TxtNum->text(), QStringLiteral("1"));
                 EXPECT_TRUE(controls(f).TxtItemID->hasFocus());
-                expectCodeStaysOneLiteral(ScanLineEdit::cleaned(p.text).trimmed(), trace);
+                expectCodeStaysOneLiteral(ScanLineEdit::cleaned(p.text).trimmed());
             }
         }
     }
 
-    // A real barcode with a quote around it is that barcode: the quote is just gone.
+    // A real barcode with quotes around it is that barcode: the quotes are just gone.
     click(controls(f).chkHaveSerial);
     scan(controls(f).TxtID, QStringLiteral("10001"));
-    paste(controls(f).TxtItemID, QStringLiteral("'") + barcodeOf(1008) + QStringLiteral("\u2019"));
+    enter(controls(f).TxtItemID, QStringLiteral("'") + barcodeOf(1008) + QStringLiteral("\u2019"), Path::Pasted);
     EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/4"));
-    // A scan of refused characters only (a lone quote) scans nothing: not the
-    // code still standing in the goods field, from that field or the quantity's.
-    for (ScanLineEdit* field : {controls(f).TxtItemID, controls(f).TxtNum}) {
-        SCOPED_TRACE("lone quote in " + field->objectName().toStdString());
-        const StationSnapshot before = snapshot();
-        m_rec->voices.clear();
-        scan(field, QStringLiteral("'"));
-        EXPECT_EQ(snapshot(), before);
-        EXPECT_TRUE(m_rec->voices.isEmpty()) << m_rec->voices.join(QLatin1Char(' ')).toStdString();
-    }
     const StationSnapshot picked = snapshot();
-    ASSERT_EQ(picked.pickedNum, QStringLiteral("2/4"));
 
     // Order codes: not found, and the order left had its verdict logged and
     // comes back as it was.
     for (const Payload& p : hostilePayloads()) {
         for (Path path : {Path::Typed, Path::Pasted}) {
-            const std::string trace = std::string(p.name) + " order path " + std::to_string(int(path));
-            SCOPED_TRACE(trace);
+            SCOPED_TRACE(std::string(p.name) + " order path " + std::to_string(int(path)));
             if (path == Path::Typed && p.text.size() > 1000)
                 continue;
             skipCallsSoFar();
@@ -164,29 +132,35 @@ TEST_F(HostileInputTest, HostileGoodsAndOrderCodesAreAnsweredAndCountNothing)
             EXPECT_EQ(controls(f).lblMessage->text(), kUnknownOrder);
             EXPECT_EQ(controls(f).lblOrderNum->text(), QStringLiteral("0"));
             EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
-            expectCodeStaysOneLiteral(ScanLineEdit::cleaned(p.text).trimmed(), trace);
+            expectCodeStaysOneLiteral(ScanLineEdit::cleaned(p.text).trimmed());
             scan(controls(f).TxtID, QStringLiteral("10001"));
-            const StationSnapshot back = snapshot();
-            EXPECT_EQ(back.lines, picked.lines);
-            EXPECT_EQ(back.pickedNum, picked.pickedNum);
-            EXPECT_EQ(back.picked, picked.picked);
-            EXPECT_EQ(back.sessionEntries, 1);
+            EXPECT_EQ(snapshot().lines, picked.lines);
+            EXPECT_EQ(snapshot().picked, picked.picked);
+            EXPECT_EQ(snapshot().sessionEntries, 1);
         }
     }
-    EXPECT_EQ(tableCount(), tables);
-    EXPECT_EQ(dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ERPOrders")).toInt(), orders);
+    EXPECT_EQ(dbValue(tables).toInt(), tablesBefore);
 
-    // A lone quote in the order field of a passed order takes nothing up
-    // again: no verdict logged twice, no prompt, the focus stays.
-    scan(controls(f).TxtItemID, barcodeOf(1014));
-    scan(controls(f).TxtItemID, barcodeOf(1014));
-    ASSERT_TRUE(controls(f).ImgSuccess->isVisible());
-    const StationSnapshot passed = snapshot();
-    m_rec->voices.clear();
-    scan(controls(f).TxtID, QStringLiteral("'"));
-    EXPECT_EQ(snapshot(), passed);
-    EXPECT_TRUE(m_rec->voices.isEmpty()) << m_rec->voices.join(QLatin1Char(' ')).toStdString();
-    EXPECT_TRUE(controls(f).TxtID->hasFocus());
+    // A scan of refused characters only (a lone quote) scans nothing: not the
+    // code still standing in the goods field, from that field or the
+    // quantity's, nor the order standing in the order field once it passed
+    // (no verdict logged twice, no prompt, the focus stays).
+    for (int round = 0; round < 2; ++round) {
+        if (round == 1) {
+            scan(controls(f).TxtItemID, barcodeOf(1014));
+            scan(controls(f).TxtItemID, barcodeOf(1014));
+            ASSERT_TRUE(controls(f).ImgSuccess->isVisible());
+        }
+        for (ScanLineEdit* field : {controls(f).TxtItemID, controls(f).TxtNum, controls(f).TxtID}) {
+            SCOPED_TRACE("lone quote in " + field->objectName().toStdString() + " round " + std::to_string(round));
+            const StationSnapshot before = snapshot();
+            m_rec->voices.clear();
+            scan(field, QStringLiteral("'"));
+            EXPECT_EQ(snapshot(), before);
+            EXPECT_TRUE(m_rec->voices.isEmpty()) << m_rec->voices.join(QLatin1Char(' ')).toStdString();
+            EXPECT_TRUE((field == controls(f).TxtNum ? controls(f).TxtItemID : field)->hasFocus());
+        }
+    }
 }
 
 TEST_F(HostileInputTest, EmptyBlankAndHostileEntriesInEveryFieldAreRefusedOrIgnored)
@@ -218,66 +192,43 @@ TEST_F(HostileInputTest, EmptyBlankAndHostileEntriesInEveryFieldAreRefusedOrIgno
     EXPECT_EQ(logged.missing, 3);
 
     // Quantities: anything but a whole number of pieces is refused before a
-    // line is touched. Typed key by key, each refused key empties the field at
-    // once, so only texts that stay refused to the end are typed here.
+    // line is touched, and said once Enter is pressed. Typed key by key, each
+    // refused key empties the field at once, so only texts that stay refused
+    // to the end are typed.
     const QString barcode = barcodeOf(1008);
-    struct Quantity {
-        QString text;
-        bool typed;
-    };
-    const QList<Quantity> quantities{
-        {QString(), true}, {QStringLiteral("   "), true}, {QStringLiteral("x"), true}, {QStringLiteral("\u0662"), true},
-        {QStringLiteral("2' OR '1'='1"), false}, {QStringLiteral("-3"), false}, {QStringLiteral("0"), false},
-        {QStringLiteral("2.5"), false}, {QStringLiteral("99999"), false}, {QStringLiteral("1e9"), false},
-        {kMarker + QString(9997, QLatin1Char('9')), false}};
-    for (const Quantity& q : quantities) {
+    const QStringList typedToo{QString(), QStringLiteral("x"), QStringLiteral("\u0662")};
+    for (const QString& quantity : typedToo + QStringList{QStringLiteral("2' OR '1'='1"), QStringLiteral("-3"), QStringLiteral("0"),
+                                                          QStringLiteral("2.5"), QStringLiteral("99999"), kMarker + QString(9997, QLatin1Char('9'))}) {
         for (Path path : {Path::Typed, Path::Pasted}) {
-            if (path == Path::Typed && !q.typed)
+            if (path == Path::Typed && !typedToo.contains(quantity))
                 continue;
-            SCOPED_TRACE("TxtNum [" + q.text.left(20).toStdString() + "] path " + std::to_string(int(path)));
+            SCOPED_TRACE("TxtNum [" + quantity.left(20).toStdString() + "] path " + std::to_string(int(path)));
             m_rec->boxes.clear();
             controls(f).lblMessage->clear();
             type(controls(f).TxtItemID, barcode);
-            if (path == Path::Typed) {
-                type(controls(f).TxtNum, q.text);
-            } else {
-                paste(controls(f).TxtNum, q.text, false);
-            }
-            press(controls(f).TxtNum, Qt::Key_Return);
+            enter(controls(f).TxtNum, quantity, path);
             EXPECT_EQ(snapshot(), logged);
             EXPECT_TRUE(m_rec->boxes.isEmpty()) << boxTexts().join(QLatin1Char('\n')).toStdString();
-            // The refusal is still said once Enter is pressed.
             EXPECT_EQ(controls(f).lblMessage->text(), kNotNumeric);
         }
     }
     // The employee field takes any text but never runs a statement on it.
     skipCallsSoFar();
     for (const Payload& p : hostilePayloads()) {
-        paste(controls(f).TxtEmployee, p.text);
+        enter(controls(f).TxtEmployee, p.text, Path::Pasted);
         EXPECT_EQ(controls(f).TxtEmployee->text(), ScanLineEdit::cleaned(p.text)) << p.name;
     }
     EXPECT_EQ(m_faults.calls().size(), m_seenCalls);
     EXPECT_EQ(snapshot(), logged);
     // The order goes on where it was, once the worker types a quantity again
-    // (a refused one leaves the field empty, and an empty quantity scans nothing).
+    // (a refused one leaves the field empty).
     controls(f).TxtEmployee->setText(employee);
     EXPECT_EQ(controls(f).TxtNum->text(), QString());
-    scan(controls(f).TxtItemID, barcode);
-    EXPECT_EQ(controls(f).lblMessage->text(), kNotNumeric);
-    EXPECT_EQ(snapshot(), logged);
     type(controls(f).TxtNum, QStringLiteral("1"));
     scan(controls(f).TxtItemID, barcode);
     EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/4"));
     type(controls(f).TxtItemID, barcodeOf(1014));
-    paste(controls(f).TxtNum, QStringLiteral("2"), false);
-    press(controls(f).TxtNum, Qt::Key_Return);
+    enter(controls(f).TxtNum, QStringLiteral("2"), Path::Pasted);
     EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("4/4"));
     EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
-
-    // What a field keeps of any text is fuzzed; the keyboard is not: the quote
-    // key and its look-alikes never show, whatever the field.
-    for (ScanLineEdit* field : {controls(f).TxtEmployee, controls(f).TxtID, controls(f).TxtItemID, controls(f).TxtNum}) {
-        type(field, QStringLiteral("1'2\u20193\uFF074"));
-        EXPECT_EQ(field->text(), QStringLiteral("1234")) << field->objectName().toStdString();
-    }
 }
