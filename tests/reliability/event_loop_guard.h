@@ -22,7 +22,6 @@ public:
     // What escaped so far: "where: description", in order.
     QStringList escapes() const { return m_escapes; }
     void clear() { m_escapes.clear(); }
-    void record(const QString& what) { m_escapes << what; }
 
 private:
     QStringList m_escapes;

@@ -27,15 +27,11 @@ namespace {
 using StatePtr = std::shared_ptr<HostFaultInjector::State>;
 
 template <class I>
-class Wrapped : public I {
-public:
+struct Wrapped : I {
     using Interface = I;
     Wrapped(QString progId, std::shared_ptr<I> inner, StatePtr s)
-        : m_inner(std::move(inner)), m_progId(std::move(progId)), m_s(std::move(s))
-    {
-    }
+        : m_progId(std::move(progId)), m_inner(std::move(inner)), m_s(std::move(s)) {}
 
-protected:
     void enter(const char* operation, const QString& detail)
     {
         const QString key = HostFaultInjector::key(m_progId, operation);
@@ -43,10 +39,8 @@ protected:
             throw HostError(91000, QStringLiteral("%1: %2#%3").arg(HostFaultInjector::FaultMarker, key).arg(m_s->counts[key]));
     }
 
-    std::shared_ptr<I> m_inner;
-
-private:
     QString m_progId;
+    std::shared_ptr<I> m_inner;
     StatePtr m_s;
 };
 
@@ -57,15 +51,6 @@ private:
         enter(#Name, Detail);                        \
         return m_inner->Name Args;                   \
     }
-
-struct ShareProps : Wrapped<IShareProps> {
-    using Wrapped::Wrapped;
-    RNW_PASS_ON(QVariant, GetProperty, (qint64 process, const QString& name), (process, name), {})
-    void SetProperty(qint64 process, const QString& name, const QVariant& value) override
-    {
-        m_inner->SetProperty(process, name, value);
-    }
-};
 
 struct GetData : Wrapped<IGetData> {
     using Wrapped::Wrapped;
@@ -92,46 +77,22 @@ struct UserProfile : Wrapped<IUserProfile> {
                 (p, c, key, r), key)
 };
 
-struct AccessoryView : Wrapped<IAccessoryView> {
-    using Wrapped::Wrapped;
-    RNW_PASS_ON(QByteArray, GetID, (const QString& props, int attachment), (props, attachment), {})
-};
-
-struct Zip : Wrapped<IZip> {
-    using Wrapped::Wrapped;
-    RNW_PASS_ON(void, DeCompress, (const QString& source, const QString& target), (source, target), {})
-};
-
-struct Sound : Wrapped<ISound> {
-    using Wrapped::Wrapped;
-    RNW_PASS_ON(void, Play, (const QString& fileName), (fileName), fileName)
-};
-
-struct ResLoader : Wrapped<IResLoader> {
-    using Wrapped::Wrapped;
-    void setResDirectory(const QString& dir) override { m_inner->setResDirectory(dir); }
-    void setResFileBaseName(const QString& name) override { m_inner->setResFileBaseName(name); }
-    void setLanguageID(const QString& code) override { m_inner->setLanguageID(code); }
-    RNW_PASS_ON(QString, LoadString, (const QString& key), (key), {})
-};
-
-struct FrmResLoader : Wrapped<IFrmResLoader> {
-    using Wrapped::Wrapped;
-    RNW_PASS_ON(QString, SetFrmFont, (QWidget * form, const QString& code, bool& flag), (form, code, flag), {})
-};
-
 #undef RNW_PASS_ON
+
+// Every creation of the ProgID's object is counted, and fails when armed: no
+// object, which the factory reports as it does for any ProgID.
+void countCreations(const QString& progId, const StatePtr& state, const std::function<std::shared_ptr<ServerObject>()>& make)
+{
+    RegisterServerObject(progId, [=]() -> std::shared_ptr<ServerObject> {
+        return state->pass(HostFaultInjector::key(progId, "new"), {}) ? make() : nullptr;
+    });
+}
 
 template <class Wrapper>
 void wrap(const QString& progId, const StatePtr& state)
 {
     auto inner = CreateServerObjectAs<typename Wrapper::Interface>(progId);
-    RegisterServerObject(progId, [progId, inner, state]() -> std::shared_ptr<ServerObject> {
-        // No object: the factory says it can't create one.
-        if (!state->pass(HostFaultInjector::key(progId, "new"), {}))
-            return nullptr;
-        return std::make_shared<Wrapper>(progId, inner, state);
-    });
+    countCreations(progId, state, [=] { return std::make_shared<Wrapper>(progId, inner, state); });
 }
 
 } // namespace
@@ -140,16 +101,17 @@ HostFaultInjector::HostFaultInjector() : m_state(std::make_shared<State>()) {}
 
 void HostFaultInjector::install()
 {
-    wrap<ShareProps>(ProgIds::ShareProps, m_state);
+    // Objects whose one call follows their creation in the same handler:
+    // a failing creation stands for a failing call.
+    for (const QString& id : {ProgIds::ShareProps, ProgIds::AccessoryView, ProgIds::Zip, ProgIds::Sound, ProgIds::ResLoader,
+                              ProgIds::FrmResLoader}) {
+        const std::shared_ptr<ServerObject> object = CreateServerObject(id);
+        countCreations(id, m_state, [object] { return object; });
+    }
     wrap<GetData>(ProgIds::GetData, m_state);
     wrap<SaveData>(ProgIds::SaveData, m_state);
     wrap<WebOrderInfo>(ProgIds::WebOrderInfo, m_state);
     wrap<UserProfile>(ProgIds::UserProfile, m_state);
-    wrap<AccessoryView>(ProgIds::AccessoryView, m_state);
-    wrap<Zip>(ProgIds::Zip, m_state);
-    wrap<Sound>(ProgIds::Sound, m_state);
-    wrap<ResLoader>(ProgIds::ResLoader, m_state);
-    wrap<FrmResLoader>(ProgIds::FrmResLoader, m_state);
 }
 
 QString HostFaultInjector::key(const QString& progId, const char* operation)

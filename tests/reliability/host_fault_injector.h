@@ -1,11 +1,11 @@
 #pragma once
 // Fault injection into the host objects: each ProgID the station reaches is
-// registered again around the object that served it, and every creation and
-// call is counted per key: ProgID + "." + operation, or + ".new" for a
-// creation. When a key's count reaches an armed number, that call raises
-// HostError (a creation gives no object) instead of reaching the real one.
-// Every call is logged with what it carried, so that a test can list the call
-// sites of a session and then fail each of them in turn.
+// registered again around the object that served it. Every creation is
+// counted per key ProgID + ".new", and every call of the middle tier's
+// objects per ProgID + "." + operation. When a key's count reaches an armed
+// number, that call raises HostError (a creation gives no object) instead of
+// reaching the real one. Every call is logged with what it carried, so that
+// a test can list the call sites of a session and then fail each in turn.
 #include "host/host_error.h"
 #include <QList>
 #include <QStringList>
@@ -14,14 +14,13 @@
 struct HostCall {
     QString key;
     int number = 0;   // 1-based count of that key
-    QString detail;   // the statement, prompt, profile key or saved status; else empty
+    QString detail;   // the statement, profile key or saved status; else empty
     bool failed = false;
 };
 
 class HostFaultInjector {
 public:
-    // In the description of every injected fault.
-    static const QString FaultMarker;
+    static const QString FaultMarker;   // in the description of every injected fault
 
     HostFaultInjector();
     // Wraps the objects now registered for every ProgID the station reaches
@@ -32,8 +31,7 @@ public:
     void arm(const QString& key, int number);
     void disarm();
 
-    // Calls so far, armed or not.
-    QList<HostCall> calls() const;
+    QList<HostCall> calls() const;   // so far, armed or not
     int count(const QString& key) const;
     bool fired() const;
     void resetCounts();
