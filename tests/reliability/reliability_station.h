@@ -108,7 +108,7 @@ protected:
         }, QStringLiteral("paste into %1").arg(field->objectName()));
     }
 
-    // Text dropped on the field, as from another window.
+    // Text dragged onto the field and dropped, as from another window.
     void drop(QLineEdit* field, const QString& text)
     {
         m_guard.run([&] {
@@ -117,10 +117,10 @@ protected:
             field->del();
             QMimeData mime;
             mime.setText(text);
-            const QPointF at = field->rect().center();
-            QDragEnterEvent enter(at.toPoint(), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            const QPoint at = field->rect().center();
+            QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(field, &enter);
-            QDragMoveEvent move(at.toPoint(), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            QDragMoveEvent move(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(field, &move);
             QDropEvent dropEvent(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(field, &dropEvent);

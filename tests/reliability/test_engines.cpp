@@ -20,11 +20,10 @@ enum class StationEngine { Embedded, SqliteOdbc };
 const char* engineName(StationEngine engine) { return engine == StationEngine::SqliteOdbc ? "SqliteOdbc" : "Embedded"; }
 
 // Another program on the same file, inside a transaction until it goes.
-class OtherProgram {
-public:
-    OtherProgram(const QString& file, const QStringList& statements) : m_name(QStringLiteral("other_program"))
+struct OtherProgram {
+    OtherProgram(const QString& file, const QStringList& statements)
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other_program"));
         db.setDatabaseName(file);
         EXPECT_TRUE(db.open());
         for (const QString& sql : statements)
@@ -33,15 +32,12 @@ public:
     ~OtherProgram()
     {
         {
-            QSqlDatabase db = QSqlDatabase::database(m_name, false);
+            QSqlDatabase db = QSqlDatabase::database(QStringLiteral("other_program"), false);
             QSqlQuery(db).exec(QStringLiteral("ROLLBACK"));
             db.close();
         }
-        QSqlDatabase::removeDatabase(m_name);
+        QSqlDatabase::removeDatabase(QStringLiteral("other_program"));
     }
-
-private:
-    QString m_name;
 };
 
 } // namespace
@@ -102,38 +98,35 @@ TEST_P(OdbcOutageTest, AFileRemovedUnreadableOrLockedIsReportedAndOpenedAgainOnT
     ASSERT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("1/4"));
     ASSERT_TRUE(takeErrorBoxes().isEmpty());
 
-    // Each outage breaks the file under the station and gives back how to
-    // mend it.
-    using Mend = std::function<void()>;
+    // Each outage breaks the file under the station while what it starts lives.
     struct Outage {
         const char* what;
-        std::function<Mend()> start;
+        std::function<std::shared_ptr<void>()> start;
         bool everyKind;   // a code that is no goods and an order scan fail too
         QString boxSays;
     };
     const QString away = m_db + QStringLiteral(".away");
     const QList<Outage> outages{
         {"removed: the open connection is let go of, no empty file is made",
-         [&]() -> Mend {
+         [&] {
              EXPECT_TRUE(QFile::rename(m_db, away));
-             return [&] {
+             return std::shared_ptr<void>(nullptr, [&](void*) {
                  EXPECT_FALSE(QFileInfo::exists(m_db));
                  EXPECT_TRUE(QFile::rename(away, m_db));
-             };
+             });
          },
          true, m_db},
         {"made unreadable",
-         [&]() -> Mend {
+         [&] {
              auto unreadable = std::make_shared<UnreadableFile>(m_db);
              EXPECT_TRUE(unreadable->effective()) << unreadable->error().toStdString();
-             return [unreadable]() mutable { unreadable.reset(); };
+             return std::shared_ptr<void>(unreadable);
          },
          false, m_db},
         {"held whole by another program: even reads wait, then fail",
-         [&]() -> Mend {
-             auto other = std::make_shared<OtherProgram>(
-                 m_db, QStringList{QStringLiteral("BEGIN EXCLUSIVE"), QStringLiteral("UPDATE t_SystemProfile SET FValue = FValue")});
-             return [other]() mutable { other.reset(); };
+         [&] {
+             const QStringList lock{QStringLiteral("BEGIN EXCLUSIVE"), QStringLiteral("UPDATE t_SystemProfile SET FValue = FValue")};
+             return std::shared_ptr<void>(std::make_shared<OtherProgram>(m_db, lock));
          },
          false, QStringLiteral("locked")},
     };
@@ -142,7 +135,7 @@ TEST_P(OdbcOutageTest, AFileRemovedUnreadableOrLockedIsReportedAndOpenedAgainOnT
         const Outage& o = outages[i];
         SCOPED_TRACE(o.what);
         const StationSnapshot counted = snapshot();
-        Mend mend = o.start();
+        std::shared_ptr<void> outage = o.start();
         scan(controls(f).TxtItemID, goods[i]);
         if (o.everyKind) {
             scan(controls(f).TxtItemID, QStringLiteral("6930000000000"));
@@ -153,7 +146,7 @@ TEST_P(OdbcOutageTest, AFileRemovedUnreadableOrLockedIsReportedAndOpenedAgainOnT
         for (const QString& text : boxes)
             EXPECT_TRUE(text.contains(o.boxSays, Qt::CaseInsensitive)) << text.toStdString();
         EXPECT_EQ(snapshot(), counted);
-        mend();
+        outage.reset();
         // Once mended, the same scan counts.
         scan(controls(f).TxtItemID, goods[i]);
         EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("%1/4").arg(i + 2));

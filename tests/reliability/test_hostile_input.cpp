@@ -1,8 +1,8 @@
 // Hostile input through the real widgets: typed key by key, pasted with
 // Ctrl+V, dropped. Whatever comes in, every statement the station sends keeps
 // the scanned code inside one quoted literal, the worker gets a clear message
-// (or nothing happens, where an empty scan means nothing), and a refused input
-// leaves the order's counts exactly as they were.
+// (or nothing happens, where an empty scan means nothing), and a refused input,
+// like a call that fails, leaves the order's counts exactly as they were.
 #include "reliability/reliability_station.h"
 
 namespace {
@@ -73,7 +73,7 @@ protected:
     int m_seenCalls = 0;
 };
 
-TEST_F(HostileInputTest, HostileInputInEveryFieldIsAnsweredAndCountsNothing)
+TEST_F(HostileInputTest, HostileInputInEveryFieldAndFailingCallsCountNothing)
 {
     frmPickigGoods& f = open();
     scan(controls(f).TxtID, QStringLiteral("10001"));
@@ -147,6 +147,26 @@ TEST_F(HostileInputTest, HostileInputInEveryFieldIsAnsweredAndCountsNothing)
     }
     type(controls(f).TxtNum, QStringLiteral("1"));
 
+    // A call that fails in the middle of the order counts nothing either and
+    // is said once: the goods lookup of a scan and of a typed quantity, the
+    // order lookup of a code that is no goods, the verdict of the order left.
+    const QString executeSql = HostFaultInjector::key(ProgIds::GetData, "ExecuteSQL");
+    using Failing = std::tuple<QString, QLineEdit*, QString>;
+    for (const auto& [key, field, code] :
+         {Failing{executeSql, controls(f).TxtItemID, barcodeOf(1014)}, Failing{executeSql, controls(f).TxtNum, QStringLiteral("2")},
+          Failing{HostFaultInjector::key(ProgIds::WebOrderInfo, "GetSingleSQLData"), controls(f).TxtItemID, QStringLiteral("6930000000000")},
+          Failing{executeSql, controls(f).TxtID, QStringLiteral("10018")}}) {
+        SCOPED_TRACE("failing " + key.toStdString() + " after " + code.toStdString());
+        m_rec->boxes.clear();
+        m_faults.arm(key, m_faults.count(key) + 1);
+        if (field == controls(f).TxtNum)
+            type(controls(f).TxtItemID, barcodeOf(1014));
+        scan(field, code);
+        EXPECT_EQ(faultBoxes().size(), 1) << boxTexts().join(QLatin1Char('\n')).toStdString();
+        EXPECT_EQ(snapshot(), picked);
+        EXPECT_EQ(controls(f).TxtNum->text(), QStringLiteral("1"));
+    }
+
     // Order codes: not found, and the order left had its verdict logged and
     // comes back as it was.
     for (const Payload& p : hostilePayloads()) {
@@ -188,6 +208,7 @@ TEST_F(HostileInputTest, HostileInputInEveryFieldIsAnsweredAndCountsNothing)
             scan(controls(f).TxtItemID, barcodeOf(1014));
             scan(controls(f).TxtItemID, barcodeOf(1014));
             ASSERT_TRUE(controls(f).ImgSuccess->isVisible());
+            EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/201"));
         }
         for (ScanLineEdit* field : {controls(f).TxtItemID, controls(f).TxtNum, controls(f).TxtID}) {
             SCOPED_TRACE("lone quote in " + field->objectName().toStdString() + " round " + std::to_string(round));
