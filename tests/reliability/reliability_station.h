@@ -9,28 +9,6 @@
 #include <QClipboard>
 #include <QMimeData>
 
-// What a worker sees of the station and what it counts: everything that a
-// refused input must leave as it was.
-struct StationSnapshot {
-    QString currentOrder, orderNum, pickedNum, pickInfo, webshop;
-    qint32 picked = 0, excess = 0, error = 0, missing = 0;
-    bool passed = false;
-    QStringList lines;   // "GoodsID/FEntryID/order/pick/checked/serials"
-    int sessionEntries = 0;
-    QStringList logRows;
-
-    bool operator==(const StationSnapshot&) const = default;
-    QString describe() const
-    {
-        return QStringList{currentOrder, orderNum, pickedNum, pickInfo, webshop,
-                           QStringLiteral("%1/%2/%3/%4 passed %5").arg(picked).arg(excess).arg(error).arg(missing).arg(passed),
-                           lines.join(QLatin1Char(' ')), QString::number(sessionEntries), logRows.join(QStringLiteral(" | "))}
-            .join(QStringLiteral("; "));
-    }
-};
-
-inline std::ostream& operator<<(std::ostream& os, const StationSnapshot& s) { return os << s.describe().toStdString(); }
-
 class ReliabilityStationTest : public StationFormTest {
 protected:
     void SetUp() override
@@ -136,21 +114,24 @@ protected:
         }, QStringLiteral("click %1").arg(button->objectName()));
     }
 
-    StationSnapshot snapshot() const
+    // What a worker sees of the station and what it counts, as text: all
+    // that a refused input must leave as it was.
+    QString snapshot() const
     {
-        QStringList lines;
-        const RecordList set = GetGoodsLineSet();
-        for (int i = 0; !set.isNone() && i < set.Count(); ++i) {
-            QStringList values;
-            for (const char* key : {"GoodsID", "FEntryID", "GoodsOrderCnt", "GoodsPickCnt", "GoodsCheckedCnt", "FSeriNum"})
-                values << set.Item(i).GetValue(QLatin1String(key)).toString();
-            lines << values.join(QLatin1Char('/'));
-        }
         const PickingState& p = m_form->pickingState();
         const auto c = controls(*m_form);
-        return {p.CurrentOrderCode(), c.lblOrderNum->text(), c.lblPickedNum->text(), c.lblPickInfo->text(), c.txtWebshop->text(),
-                p.pickedNum(),        p.excessNum(),         p.errorNum(),           p.missingNum(),        c.ImgSuccess->isVisible(),
-                lines,                p.SessionOrderLog().isNone() ? -1 : p.SessionOrderLog().Count(),  c.LogList1->allRowTexts()};
+        QStringList s{p.CurrentOrderCode(), c.lblOrderNum->text(), c.lblPickedNum->text(), c.lblPickInfo->text(), c.txtWebshop->text(),
+                      QStringLiteral("counts %1/%2/%3/%4").arg(p.pickedNum()).arg(p.excessNum()).arg(p.errorNum()).arg(p.missingNum()),
+                      QStringLiteral("passed %1").arg(c.ImgSuccess->isVisible()),
+                      QStringLiteral("%1 logged").arg(p.SessionOrderLog().isNone() ? -1 : p.SessionOrderLog().Count())};
+        const RecordList lines = GetGoodsLineSet();
+        for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
+            QStringList values;
+            for (const char* key : {"GoodsID", "FEntryID", "GoodsOrderCnt", "GoodsPickCnt", "GoodsCheckedCnt", "FSeriNum"})
+                values << lines.Item(i).GetValue(QLatin1String(key)).toString();
+            s << values.join(QLatin1Char('/'));
+        }
+        return (s + c.LogList1->allRowTexts()).join(QLatin1Char('\n'));
     }
 
     // Boxes that tell of an injected fault: a failed call or an object not made.

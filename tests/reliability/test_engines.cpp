@@ -90,7 +90,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Engines, OdbcOutageTest, ::testing::Values(StationEngine::Embedded, StationEngine::SqliteOdbc),
                          [](const ::testing::TestParamInfo<StationEngine>& info) { return engineName(info.param); });
 
-TEST_P(OdbcOutageTest, AFileRemovedUnreadableOrLockedIsReportedAndOpenedAgainOnTheNextCall)
+TEST_P(OdbcOutageTest, OutagesAndRefusedBatchesAreReportedAndTheStationGoesOn)
 {
     frmPickigGoods& f = open();
     scan(controls(f).TxtID, QStringLiteral("10001"));
@@ -134,7 +134,7 @@ TEST_P(OdbcOutageTest, AFileRemovedUnreadableOrLockedIsReportedAndOpenedAgainOnT
     for (qsizetype i = 0; i < outages.size(); ++i) {
         const Outage& o = outages[i];
         SCOPED_TRACE(o.what);
-        const StationSnapshot counted = snapshot();
+        const QString counted = snapshot();
         std::shared_ptr<void> outage = o.start();
         scan(controls(f).TxtItemID, goods[i]);
         if (o.everyKind) {
@@ -155,14 +155,15 @@ TEST_P(OdbcOutageTest, AFileRemovedUnreadableOrLockedIsReportedAndOpenedAgainOnT
     EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("1/201"));
 
-    // The next order: a lock that goes while the station waits for it lets
+    // A serial order: a lock that goes while the station waits for it lets
     // the scan through.
-    scan(controls(f).TxtID, QStringLiteral("10018"));
-    scan(controls(f).TxtItemID, barcodeOf(1002));
+    click(controls(f).chkHaveSerial);
+    scan(controls(f).TxtID, QStringLiteral("10021"));
+    scan(controls(f).TxtItemID, QStringLiteral("W1-0001"));
     {
         BriefFileLock briefly(m_db, 300);
         ASSERT_TRUE(briefly.held());
-        scan(controls(f).TxtItemID, barcodeOf(1015));
+        scan(controls(f).TxtItemID, QStringLiteral("W1-0002"));
     }
     EXPECT_TRUE(takeErrorBoxes().isEmpty()) << "the engine gave up without waiting for the lock";
     EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/3"));
@@ -170,51 +171,37 @@ TEST_P(OdbcOutageTest, AFileRemovedUnreadableOrLockedIsReportedAndOpenedAgainOnT
     // Another station writes: reads go on, the saves of the pass wait and fail.
     {
         OtherProgram writer(m_db, {QStringLiteral("BEGIN IMMEDIATE")});
-        scan(controls(f).TxtItemID, barcodeOf(1018));
-        EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
+        scan(controls(f).TxtItemID, QStringLiteral("PAD-0001"));
         const QStringList boxes = takeErrorBoxes();
         EXPECT_GE(boxes.size(), 1);
         for (const QString& text : boxes)
             EXPECT_TRUE(text.contains(QStringLiteral("locked"), Qt::CaseInsensitive)) << text.toStdString();
     }
-    EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("0/0"));
+    EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("0/0"));
+    EXPECT_EQ(storedSerials(), QString());
 
-    // Back to normal: verified again from the start, and it lands.
-    click(controls(f).CmdBtnRePick);
-    for (int item : {1002, 1015, 1018})
-        scan(controls(f).TxtItemID, barcodeOf(item));
-    EXPECT_TRUE(takeErrorBoxes().isEmpty());
-    EXPECT_EQ(pickingOf(QStringLiteral("10018")), QStringLiteral("1/201"));
-}
-
-// The serial rows of a pass are one batch: when its last insert fails, the
-// deletes and inserts before it are undone too, so an order keeps its old
-// rows or its new ones, never a mix or none, and it is not saved as verified.
-TEST_P(OdbcOutageTest, ASerialBatchRefusedHalfwayLeavesTheRowsAsTheyWere)
-{
-    frmPickigGoods& f = open();
-    click(controls(f).chkHaveSerial);
-    scan(controls(f).TxtID, QStringLiteral("10021"));
-    for (const char* serial : {"W1-0001", "W1-0002", "PAD-0001"})
-        scan(controls(f).TxtItemID, QString::fromLatin1(serial));
-    ASSERT_TRUE(takeErrorBoxes().isEmpty());
-    const QString first = storedSerials();
-    ASSERT_EQ(first, QStringLiteral("53:W1-0001 53:W1-0002 54:PAD-0001"));
-
-    // Verified again (a re-pick takes back the status): the last insert is
-    // refused after both deletes and two inserts have run.
-    auto passAgain = [&] {
+    // Each pass again follows a re-pick, which takes back the status; the
+    // pass is the worker's to see, whatever the server took.
+    auto passAgain = [&](const QStringList& serials) {
         click(controls(f).CmdBtnRePick);
         EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("0/0"));
-        for (const char* serial : {"W1-0003", "W1-0001", "PAD-0002"})
-            scan(controls(f).TxtItemID, QString::fromLatin1(serial));
-        // The pass is the worker's to see, whatever the server took.
+        for (const QString& serial : serials)
+            scan(controls(f).TxtItemID, serial);
         EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
         return takeErrorBoxes();
     };
+    EXPECT_TRUE(passAgain({QStringLiteral("W1-0001"), QStringLiteral("W1-0002"), QStringLiteral("PAD-0001")}).isEmpty());
+    EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("1/201"));
+    const QString first = storedSerials();
+    ASSERT_EQ(first, QStringLiteral("53:W1-0001 53:W1-0002 54:PAD-0001"));
+
+    // The serial rows of a pass are one batch: when its last insert is
+    // refused, after both deletes and two inserts have run, all of it is
+    // undone, and the order is not saved as verified.
+    const QStringList again{QStringLiteral("W1-0003"), QStringLiteral("W1-0001"), QStringLiteral("PAD-0002")};
     dbExec(QStringLiteral("CREATE TRIGGER refuse BEFORE INSERT ON IC_Web2ErpOrderSerial WHEN NEW.FSerialNumber = 'PAD-0002' "
                           "BEGIN SELECT RAISE(ABORT, 'serial refused by the warehouse'); END"));
-    const QStringList boxes = passAgain();
+    const QStringList boxes = passAgain(again);
     ASSERT_EQ(boxes.size(), 1) << boxes.join(QLatin1Char('\n')).toStdString();
     EXPECT_TRUE(boxes[0].contains(QStringLiteral("serial refused by the warehouse"))) << boxes[0].toStdString();
     EXPECT_EQ(storedSerials(), first);
@@ -223,7 +210,7 @@ TEST_P(OdbcOutageTest, ASerialBatchRefusedHalfwayLeavesTheRowsAsTheyWere)
     // The engine is not left inside the failed transaction: without the fault
     // the order lands with its new rows, replaced, not added to.
     dbExec(QStringLiteral("DROP TRIGGER refuse"));
-    EXPECT_TRUE(passAgain().isEmpty());
+    EXPECT_TRUE(passAgain(again).isEmpty());
     EXPECT_EQ(storedSerials(), QStringLiteral("53:W1-0001 53:W1-0003 54:PAD-0002"));
     EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("1/201"));
 }

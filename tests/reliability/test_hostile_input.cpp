@@ -69,8 +69,8 @@ TEST_F(HostileInputTest, HostileInputInEveryFieldAndFailingCallsCountNothing)
     frmPickigGoods& f = open();
     scan(controls(f).TxtID, QStringLiteral("10001"));
     scan(controls(f).TxtItemID, barcodeOf(1001));
-    const StationSnapshot counted = snapshot();
-    ASSERT_EQ(counted.pickedNum, QStringLiteral("1/4"));
+    const QString counted = snapshot();
+    ASSERT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("1/4"));
     const QString tables = QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'table'");
     const int tablesBefore = dbValue(tables).toInt();
 
@@ -98,8 +98,8 @@ TEST_F(HostileInputTest, HostileInputInEveryFieldAndFailingCallsCountNothing)
             click(controls(f).chkHaveSerial);
             scan(controls(f).TxtID, QStringLiteral("10001"));
         }
-        const StationSnapshot before = snapshot();
-        ASSERT_EQ(before.lines, counted.lines);
+        const QString before = snapshot();
+        ASSERT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("1/4"));
         for (const QString& payload : kPayloads) {
             for (Path path : {Path::Typed, Path::Pasted, Path::Dropped}) {
                 SCOPED_TRACE(target.toStdString() + " path " + std::to_string(int(path)) + ": " + payload.left(30).toStdString());
@@ -130,7 +130,7 @@ TEST_F(HostileInputTest, HostileInputInEveryFieldAndFailingCallsCountNothing)
     // A real barcode with quotes around it is that barcode: the quotes are just gone.
     enter(controls(f).TxtItemID, QStringLiteral("'") + barcodeOf(1008) + QStringLiteral("\u2019"), Path::Pasted);
     EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("2/4"));
-    const StationSnapshot picked = snapshot();
+    const QString picked = snapshot();
 
     // Quantities: anything but a whole number of pieces is refused before a
     // line is touched, and said.
@@ -190,7 +190,7 @@ TEST_F(HostileInputTest, HostileInputInEveryFieldAndFailingCallsCountNothing)
         }
         for (ScanLineEdit* field : {controls(f).TxtItemID, controls(f).TxtNum, controls(f).TxtID}) {
             SCOPED_TRACE("lone quote in " + field->objectName().toStdString() + " round " + std::to_string(round));
-            const StationSnapshot before = snapshot();
+            const QString before = snapshot();
             m_rec->voices.clear();
             scan(field, QStringLiteral("'"));
             EXPECT_EQ(snapshot(), before);
