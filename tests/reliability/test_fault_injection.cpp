@@ -49,10 +49,10 @@ protected:
     {
         frmPickigGoods& f = open();
         scan(controls(f).TxtID, QStringLiteral("10001"));
-        scan(controls(f).TxtItemID, m_barcodes[1001]);
+        scan(controls(f).TxtItemID, barcodeOf(1001));
         scan(controls(f).TxtItemID, QStringLiteral("6931000010130"));
-        scan(controls(f).TxtItemID, m_barcodes[1008]);
-        type(controls(f).TxtItemID, m_barcodes[1014]);
+        scan(controls(f).TxtItemID, barcodeOf(1008));
+        type(controls(f).TxtItemID, barcodeOf(1014));
         scan(controls(f).TxtNum, QStringLiteral("2"));
         click(controls(f).chkHaveSerial);   // scans 10001 again: verified now, refused
         scan(controls(f).TxtID, QStringLiteral("10021"));
@@ -61,7 +61,7 @@ protected:
         click(controls(f).chkHaveSerial);   // back to barcodes: 10021 is refused now
         scan(controls(f).TxtID, QStringLiteral("10001"));
         click(controls(f).CmdBtnRePick);
-        scan(controls(f).TxtItemID, m_barcodes[1001]);
+        scan(controls(f).TxtItemID, barcodeOf(1001));
     }
 
     // The close question of the unfinished order is answered No.
@@ -76,16 +76,15 @@ protected:
     // The next order on this station, all its goods, the pass on the server.
     // Delivery follows the company settings, read when the station opens: a
     // station that could not read them does not deliver.
-    void expectNextOrderPasses(const std::string& after, bool delivers = true)
+    void expectNextOrderPasses(bool delivers)
     {
-        SCOPED_TRACE(after);
         frmPickigGoods& f = *m_form;
         if (controls(f).chkHaveSerial->isChecked())
             click(controls(f).chkHaveSerial);
         scan(controls(f).TxtID, QStringLiteral("10018"));
         ASSERT_EQ(controls(f).lblOrderNum->text(), QStringLiteral("3"));
         for (int item : {1002, 1015, 1018})
-            scan(controls(f).TxtItemID, m_barcodes[item]);
+            scan(controls(f).TxtItemID, barcodeOf(item));
         EXPECT_EQ(controls(f).lblPickedNum->text(), QStringLiteral("3/3"));
         EXPECT_TRUE(controls(f).ImgSuccess->isVisible());
         EXPECT_TRUE(pickingOf(QStringLiteral("10018")).startsWith(QStringLiteral("1/")));
@@ -100,20 +99,13 @@ protected:
     // back the status, never a delivery already made.)
     void expectNothingHalfWritten(int stationPicker)
     {
-        for (const QString& code : {QStringLiteral("10001"), QStringLiteral("10018"), QStringLiteral("10021")}) {
-            // status/picker/delivered/sent
-            const QStringList v = dbValue(QStringLiteral("SELECT IFNULL(FPIckingGoodsStatus, 0) || '/' || IFNULL(FPickingGoodMan, 0) || '/'"
-                                                         " || IFNULL(FDeliveryStatus, 0) || '/' || (FSendDate IS NOT NULL)"
-                                                         " FROM IC_Web2ERPOrders WHERE FUniqueCode = ?"),
-                                          {code})
-                                      .toString()
-                                      .split(QLatin1Char('/'));
-            ASSERT_EQ(v.size(), 4) << code.toStdString();
-            EXPECT_EQ(v[1].toInt(), v[0] == QStringLiteral("1") ? stationPicker : 0) << code.toStdString();
-            EXPECT_TRUE(v[2] == QStringLiteral("0") || v[0] == QStringLiteral("1") || code == QStringLiteral("10001"))
-                << code.toStdString() << " delivered but not verified";
-            EXPECT_EQ(v[3], v[2]) << code.toStdString() << " sent and delivered differ";
-        }
+        const QString halfWritten = dbValue(
+            QStringLiteral("SELECT group_concat(FUniqueCode, ' ') FROM IC_Web2ERPOrders WHERE FUniqueCode IN ('10001', '10018', '10021')"
+                           " AND (IFNULL(FPickingGoodMan, 0) <> (CASE WHEN FPIckingGoodsStatus = 1 THEN ? ELSE 0 END)"
+                           " OR (FDeliveryStatus = 1 AND IFNULL(FPIckingGoodsStatus, 0) <> 1 AND FUniqueCode <> '10001')"
+                           " OR (FSendDate IS NOT NULL) <> (IFNULL(FDeliveryStatus, 0) = 1))"),
+            {stationPicker}).toString();
+        EXPECT_TRUE(halfWritten.isEmpty()) << halfWritten.toStdString() << " in " << writtenRows().join(QLatin1Char(' ')).toStdString();
         const int rows = dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ErpOrderSerial s JOIN IC_Web2ERPOrdersEntry e "
                                                 "ON e.FEntryID = s.FEntryID JOIN IC_Web2ERPOrders o ON o.FID = e.FID "
                                                 "WHERE o.FUniqueCode = '10021'"))
@@ -156,15 +148,6 @@ protected:
                                        " FROM IC_Web2ErpOrderSerial ORDER BY r)"))
                     .toString()};
     }
-
-    void SetUp() override
-    {
-        ReliabilityStationTest::SetUp();
-        for (int item : {1001, 1002, 1008, 1014, 1015, 1018})
-            m_barcodes[item] = barcodeOf(item);
-    }
-
-    QHash<int, QString> m_barcodes;
 };
 
 TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
@@ -174,8 +157,6 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
     // is back on the station after re-pick.
     runSessionUpToClose();
     EXPECT_EQ(pickingOf(QStringLiteral("10021")), QStringLiteral("1/201"));
-    EXPECT_EQ(dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ErpOrderSerial")).toInt(), 3);
-    EXPECT_EQ(m_form->pickingState().CurrentOrderCode(), QStringLiteral("10001"));
     EXPECT_EQ(controls(m_form).lblPickedNum->text(), QStringLiteral("1/4"));
     EXPECT_EQ(pickingOf(QStringLiteral("10001")), QStringLiteral("0/0"));
     const int beforeClose = m_faults.calls().size();
@@ -226,7 +207,6 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
     QList<int> sites = picked.values();
     std::sort(sites.begin(), sites.end());
     ASSERT_GE(m_faults.count(newProps), 40);
-    std::printf("fault injection: %d call sites failed in turn\n", int(sites.size()));
     ASSERT_GE(sites.size(), 60) << "too few call sites: the session no longer reaches them";
 
     for (int i : sites) {
@@ -244,20 +224,17 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
         int settingsRead = 0;
         for (const HostCall& call : m_faults.calls())
             settingsRead += !call.failed && call.detail.contains(QStringLiteral("t_SystemProfile")) ? 1 : 0;
+        // A call of the close fails there; the next order comes on a reopened station.
         EXPECT_EQ(m_faults.fired(), !atClose);
-        if (!atClose) {
-            m_faults.disarm();
-            expectNextOrderPasses("the next order on the same station", settingsRead == 2);
-            closeSession();
-        } else {
+        if (atClose) {
             closeSession();
             EXPECT_TRUE(m_faults.fired()) << "the armed call never came";
-            m_faults.disarm();
             m_form.reset();
             open();
-            expectNextOrderPasses("the next order on a reopened station");
-            m_guard.run([this] { m_form->closeWithoutAsking(); }, QStringLiteral("close"));
         }
+        m_faults.disarm();
+        expectNextOrderPasses(settingsRead == 2);
+        closeSession();
 
         EXPECT_TRUE(m_guard.escapes().isEmpty()) << m_guard.escapes().join(QLatin1Char('\n')).toStdString();
         m_guard.clear();
