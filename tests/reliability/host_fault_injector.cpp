@@ -1,26 +1,16 @@
 #include "reliability/host_fault_injector.h"
 #include "host/object_factory.h"
-#include <QHash>
 #include <QRegularExpression>
-#include <QSet>
-#include <algorithm>
 
 const QString HostFaultInjector::FaultMarker = QStringLiteral("injected fault");
 
-struct HostFaultInjector::State {
-    QList<HostCall> calls;
-    QHash<QString, int> counts;
-    QSet<QString> armed;   // "key#number"
-
-    // Counts the call; false when it is to fail.
-    bool pass(const QString& key, const QString& detail)
-    {
-        const int number = ++counts[key];
-        const bool fail = armed.remove(key + QLatin1Char('#') + QString::number(number));
-        calls.append({key, number, detail, fail});
-        return !fail;
-    }
-};
+bool HostFaultInjector::State::pass(const QString& key, const QString& detail)
+{
+    const int number = ++counts[key];
+    const bool fail = armed.remove(key + QLatin1Char('#') + QString::number(number));
+    calls.append({key, number, detail, fail});
+    return !fail;
+}
 
 namespace {
 
@@ -97,8 +87,6 @@ void wrap(const QString& progId, const StatePtr& state)
 
 } // namespace
 
-HostFaultInjector::HostFaultInjector() : m_state(std::make_shared<State>()) {}
-
 void HostFaultInjector::install()
 {
     // Objects whose one call follows their creation in the same handler:
@@ -114,47 +102,14 @@ void HostFaultInjector::install()
     wrap<UserProfile>(ProgIds::UserProfile, m_state);
 }
 
-QString HostFaultInjector::key(const QString& progId, const char* operation)
-{
-    return progId + QLatin1Char('.') + QLatin1String(operation);
-}
-
-void HostFaultInjector::arm(const QString& key, int number)
-{
-    m_state->armed.insert(key + QLatin1Char('#') + QString::number(number));
-}
-
-void HostFaultInjector::disarm() { m_state->armed.clear(); }
-
-QList<HostCall> HostFaultInjector::calls() const { return m_state->calls; }
-
-int HostFaultInjector::count(const QString& key) const { return m_state->counts.value(key); }
-
-bool HostFaultInjector::fired() const
-{
-    return std::any_of(m_state->calls.begin(), m_state->calls.end(), [](const HostCall& c) { return c.failed; });
-}
-
-void HostFaultInjector::resetCounts()
-{
-    m_state->calls.clear();
-    m_state->counts.clear();
-}
-
-bool SplitTsqlLiterals(const QString& sql, QStringList* literals, QString* shape)
+bool SplitTsqlLiterals(const QString& sql, QStringList* literals)
 {
     static const QRegularExpression literal(QStringLiteral("'([^']*(?:''[^']*)*)'"));
-    QString outside;
-    qsizetype from = 0;
+    qsizetype end = 0;
     for (const QRegularExpressionMatch& m : literal.globalMatch(sql)) {
-        outside += sql.mid(from, m.capturedStart() - from) + QStringLiteral("'?'");
-        from = m.capturedEnd();
-        if (literals)
-            *literals << m.captured(1).replace(QStringLiteral("''"), QStringLiteral("'"));
+        *literals << m.captured(1).replace(QStringLiteral("''"), QStringLiteral("'"));
+        end = m.capturedEnd();
     }
     // A quote between two literals would have opened one: only the rest can hold an open one.
-    outside += sql.mid(from);
-    if (shape)
-        *shape = outside;
-    return !sql.mid(from).contains(QLatin1Char('\''));
+    return !sql.mid(end).contains(QLatin1Char('\''));
 }

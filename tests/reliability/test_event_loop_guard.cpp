@@ -1,9 +1,7 @@
 // The guard that the other tests rely on: it must see an exception that
 // leaves an event handler, however the event came, and change nothing else.
 #include "reliability/event_loop_guard.h"
-#include "host/host_error.h"
 #include <QApplication>
-#include <QEvent>
 #include <QLineEdit>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -11,15 +9,14 @@
 
 namespace {
 
+// Every user event fails, as a handler does that lets an exception out.
 class ThrowingObject : public QObject {
 public:
     bool event(QEvent* e) override
     {
-        if (e->type() == QEvent::User)
-            throw HostError(HostErrors::Database, QStringLiteral("from a posted event"));
-        if (e->type() == QEvent::Type(QEvent::User + 1))
-            throw std::runtime_error("from a sent event");
-        return QObject::event(e);
+        if (e->type() < QEvent::User)
+            return QObject::event(e);
+        throw std::runtime_error("event " + std::to_string(e->type()) + " failed");
     }
 };
 
@@ -42,7 +39,7 @@ TEST(EventLoopGuard, RecordsWhatLeavesAHandlerByAnyRoute)
     QCoreApplication::processEvents();
     EXPECT_EQ(plain.text(), QStringLiteral("ok"));
 
-    EXPECT_EQ(guard.escapes(), (QStringList{QStringLiteral("event 1000 to QObject: from a posted event"),
-                                            QStringLiteral("event 1001 to QObject: from a sent event"),
-                                            QStringLiteral("direct: from a posted event")}));
+    EXPECT_EQ(guard.escapes(), (QStringList{QStringLiteral("event 1000 to QObject: event 1000 failed"),
+                                            QStringLiteral("event 1001 to QObject: event 1001 failed"),
+                                            QStringLiteral("direct: event 1000 failed")}));
 }

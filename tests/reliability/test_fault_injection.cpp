@@ -29,7 +29,7 @@ QString siteOf(const HostCall& call)
 {
     QString site = call.key + QLatin1Char(' ') + call.detail;
     QStringList literals;
-    SplitTsqlLiterals(call.detail, &literals, nullptr);
+    SplitTsqlLiterals(call.detail, &literals);
     // Masked literals are those with a digit (codes); words like 'EC' stay.
     for (const QString& literal : literals)
         if (literal.contains(QRegularExpression(QStringLiteral("\\d"))))
