@@ -1,7 +1,5 @@
 #include "reliability/event_loop_guard.h"
 #include <QCoreApplication>
-#include <QEvent>
-#include <QObject>
 #include <exception>
 
 namespace {

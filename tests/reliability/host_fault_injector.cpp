@@ -22,24 +22,19 @@ struct Wrapped : I {
     Wrapped(QString progId, std::shared_ptr<I> inner, StatePtr s)
         : m_progId(std::move(progId)), m_inner(std::move(inner)), m_s(std::move(s)) {}
 
-    void enter(const char* operation, const QString& detail)
-    {
-        const QString key = HostFaultInjector::key(m_progId, operation);
-        if (!m_s->pass(key, detail))
-            throw HostError(91000, QStringLiteral("%1: %2#%3").arg(HostFaultInjector::FaultMarker, key).arg(m_s->counts[key]));
-    }
-
     QString m_progId;
     std::shared_ptr<I> m_inner;
     StatePtr m_s;
 };
 
 // An operation that is counted, and maybe failed, before it is handed on.
-#define RNW_PASS_ON(Ret, Name, Params, Args, Detail) \
-    Ret Name Params override                         \
-    {                                                \
-        enter(#Name, Detail);                        \
-        return m_inner->Name Args;                   \
+#define RNW_PASS_ON(Ret, Name, Params, Args, Detail)                                                   \
+    Ret Name Params override                                                                           \
+    {                                                                                                  \
+        const QString site = HostFaultInjector::key(m_progId, #Name);                                  \
+        if (!m_s->pass(site, Detail))                                                                  \
+            throw HostError(91000, QStringLiteral("%1: %2").arg(HostFaultInjector::FaultMarker, site)); \
+        return m_inner->Name Args;                                                                     \
     }
 
 struct GetData : Wrapped<IGetData> {
@@ -71,7 +66,9 @@ struct UserProfile : Wrapped<IUserProfile> {
 
 // Every creation of the ProgID's object is counted, and fails when armed: no
 // object, which the factory reports as it does for any ProgID.
-void countCreations(const QString& progId, const StatePtr& state, const std::function<std::shared_ptr<ServerObject>()>& make)
+using Factory = std::function<std::shared_ptr<ServerObject>()>;
+
+void countCreations(const QString& progId, const StatePtr& state, const Factory& make)
 {
     RegisterServerObject(progId, [=]() -> std::shared_ptr<ServerObject> {
         return state->pass(HostFaultInjector::key(progId, "new"), {}) ? make() : nullptr;

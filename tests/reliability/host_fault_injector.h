@@ -1,14 +1,12 @@
 #pragma once
-// Fault injection into the host objects: each ProgID the station reaches is
-// registered again around the object that served it. Every creation is
-// counted per key ProgID + ".new", and every call of the middle tier's
-// objects per ProgID + "." + operation. When a key's count reaches an armed
-// number, that call raises HostError (a creation gives no object) instead of
-// reaching the real one. Every call is logged with what it carried, so that
-// a test can list the call sites of a session and then fail each in turn.
+// Fault injection into the host objects: every creation is counted per key
+// ProgID + ".new", every call of the middle tier's objects per ProgID + "." +
+// operation. When a key's count reaches an armed number, that call raises
+// HostError (a creation gives no object) instead of reaching the real one.
+// Every call is logged with what it carried, so that a test can list the
+// call sites of a session and then fail each in turn.
 #include "host/host_error.h"
 #include <QHash>
-#include <QList>
 #include <QSet>
 #include <QStringList>
 #include <algorithm>
@@ -34,7 +32,7 @@ public:
     void install();
 
     // The number-th call of key fails, once. Several may be armed.
-    void arm(const QString& key, int number) { m_state->armed.insert(key + QLatin1Char('#') + QString::number(number)); }
+    void arm(const QString& key, int number) { m_state->armed << key + QLatin1Char('#') + QString::number(number); }
     void disarm() { m_state->armed.clear(); }
 
     QList<HostCall> calls() const { return m_state->calls; }   // so far, armed or not

@@ -23,9 +23,13 @@ protected:
     {
         // Nothing may have escaped into the event loop, whatever the test did.
         EXPECT_TRUE(m_guard.escapes().isEmpty()) << m_guard.escapes().join(QLatin1Char('\n')).toStdString();
-        if (m_form && m_form->isVisible())
-            m_guard.run([this] { m_form->closeWithoutAsking(); }, QStringLiteral("close"));
         StationFormTest::TearDown();
+    }
+
+    void publishProps(const QString& props)
+    {
+        CreateServerObjectAs<IShareProps>(ProgIds::ShareProps)
+            ->SetProperty(CurrentProcessId(), QStringLiteral("PropsString"), props);
     }
 
     frmPickigGoods& open()
@@ -66,10 +70,10 @@ protected:
         }, QStringLiteral("typing into %1").arg(field->objectName()));
     }
 
-    void press(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    void press(QWidget* widget, Qt::Key key)
     {
         m_guard.run([&] {
-            QTest::keyClick(widget, key, modifiers);
+            QTest::keyClick(widget, key);
             QApplication::processEvents();
         }, QStringLiteral("key %1 in %2").arg(int(key)).arg(widget->objectName()));
     }
@@ -120,10 +124,12 @@ protected:
     {
         const PickingState& p = m_form->pickingState();
         const auto c = controls(*m_form);
-        QStringList s{p.CurrentOrderCode(), c.lblOrderNum->text(), c.lblPickedNum->text(), c.lblPickInfo->text(), c.txtWebshop->text(),
-                      QStringLiteral("counts %1/%2/%3/%4").arg(p.pickedNum()).arg(p.excessNum()).arg(p.errorNum()).arg(p.missingNum()),
-                      QStringLiteral("passed %1").arg(c.ImgSuccess->isVisible()),
-                      QStringLiteral("%1 logged").arg(p.SessionOrderLog().isNone() ? -1 : p.SessionOrderLog().Count())};
+        const int logged = p.SessionOrderLog().isNone() ? -1 : p.SessionOrderLog().Count();
+        QStringList s{p.CurrentOrderCode(), c.lblOrderNum->text(), c.lblPickedNum->text(), c.lblPickInfo->text(),
+                      c.txtWebshop->text(),
+                      QStringLiteral("counts %1/%2/%3/%4").arg(p.pickedNum()).arg(p.excessNum()).arg(p.errorNum())
+                          .arg(p.missingNum()),
+                      QStringLiteral("passed %1, %2 logged").arg(c.ImgSuccess->isVisible()).arg(logged)};
         const RecordList lines = GetGoodsLineSet();
         for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
             QStringList values;
@@ -139,7 +145,7 @@ protected:
     {
         QStringList found;
         for (const ShownBox& box : m_rec->boxes)
-            if (box.text.contains(HostFaultInjector::FaultMarker) || box.text.contains(QStringLiteral("can't create object")))
+            if (box.text.contains(HostFaultInjector::FaultMarker) || box.text.contains(QLatin1String("can't create object")))
                 found << box.title + QStringLiteral(": ") + box.text;
         return found;
     }

@@ -1,10 +1,9 @@
 // The database fails under a running station, on the embedded engine and on
 // the production path of QODBC and unixODBC with the SQLite ODBC driver in
-// place of the server: the file removed or made unreadable, locked by another
-// program, a batch refused halfway. Each failure ends in one box that says
-// what is wrong and never shows the password, nothing counted is lost, the
-// connection is opened again on the next call and the next order passes.
-// The fixture's own reads go straight to the file, past both engines.
+// place of the server: the file removed, unreadable or locked, a batch
+// refused halfway. Each failure ends in one box that says what is wrong and
+// never shows the password, nothing counted is lost, and once it is over the
+// next call gets through. The fixture's reads go past both engines.
 #include "reliability/reliability_station.h"
 #include "support/brief_file_lock.h"
 #include "support/sqlite_odbc.h"
@@ -25,13 +24,10 @@ struct OtherProgram {
         for (const QString& sql : statements)
             EXPECT_TRUE(QSqlQuery(db).exec(sql)) << sql.toStdString();
     }
+    // Closed, it rolls back what it holds.
     ~OtherProgram()
     {
-        {
-            QSqlDatabase db = QSqlDatabase::database(QStringLiteral("other_program"), false);
-            QSqlQuery(db).exec(QStringLiteral("ROLLBACK"));
-            db.close();
-        }
+        QSqlDatabase::database(QStringLiteral("other_program"), false).close();
         QSqlDatabase::removeDatabase(QStringLiteral("other_program"));
     }
 };
@@ -50,8 +46,7 @@ protected:
         ReliabilityStationTest::SetUp();
         const QString props = GetParam() ? QStringLiteral("UserID=1;ConnectString={Driver=SQLite3;Database=%1;PWD=%2};")
                                          : QStringLiteral("UserID=1;ConnectString={Provider=SQLite;Data Source=%1;Password=%2};");
-        CreateServerObjectAs<IShareProps>(ProgIds::ShareProps)
-            ->SetProperty(CurrentProcessId(), QStringLiteral("PropsString"), props.arg(m_db, kSecret));
+        publishProps(props.arg(m_db, kSecret));
     }
 
     // The boxes since the last call, each a plain error box without the password.
@@ -62,7 +57,6 @@ protected:
             EXPECT_EQ(box.title, QStringLiteral("Velto提示"));
             EXPECT_EQ(box.flags & 7, MsgBox::OkOnly);
             EXPECT_FALSE(box.text.contains(kSecret)) << box.text.toStdString();
-            EXPECT_FALSE(box.text.trimmed().isEmpty());
             texts << box.text;
         }
         m_rec->boxes.clear();
@@ -115,7 +109,8 @@ TEST_P(OdbcOutageTest, OutagesAndRefusedBatchesAreReportedAndTheStationGoesOn)
          false, m_db},
         {"held whole by another program: even reads wait, then fail",
          [&] {
-             const QStringList lock{QStringLiteral("BEGIN EXCLUSIVE"), QStringLiteral("UPDATE t_SystemProfile SET FValue = FValue")};
+             const QStringList lock{QStringLiteral("BEGIN EXCLUSIVE"),
+                                    QStringLiteral("UPDATE t_SystemProfile SET FValue = FValue")};
              return std::shared_ptr<void>(std::make_shared<OtherProgram>(m_db, lock));
          },
          false, QStringLiteral("locked")},

@@ -5,7 +5,6 @@
 #include "reliability/reliability_station.h"
 #include "support/sqlite_odbc.h"
 #include <QRegularExpression>
-#include <QSet>
 
 namespace {
 
@@ -16,21 +15,20 @@ const QString kTitle = QStringLiteral("Velto提示");
 // as written.
 bool isSilentSite(const QString& key)
 {
-    for (const QString& id : {ProgIds::Sound, ProgIds::AccessoryView, ProgIds::Zip, ProgIds::ResLoader, ProgIds::FrmResLoader})
-        if (key.startsWith(id + QLatin1Char('.')))
-            return true;
-    return false;
+    const QStringList silent{ProgIds::Sound, ProgIds::AccessoryView, ProgIds::Zip, ProgIds::ResLoader,
+                             ProgIds::FrmResLoader};
+    return silent.contains(key.section(QLatin1Char('.'), 0, -2));
 }
 
-// A call site: the key and what the call carried, a statement with its
-// scanned values masked, so that the same code line scanning another order is
-// the same site while the two company settings stay two sites.
+// A call site: the key and what the call carried, a statement with the
+// literals that hold a digit (scanned codes) masked, so that the same code
+// line scanning another order is the same site while the two company
+// settings ('EC' and their keys) stay two sites.
 QString siteOf(const HostCall& call)
 {
     QString site = call.key + QLatin1Char(' ') + call.detail;
     QStringList literals;
     SplitTsqlLiterals(call.detail, &literals);
-    // Masked literals are those with a digit (codes); words like 'EC' stay.
     for (const QString& literal : literals)
         if (literal.contains(QRegularExpression(QStringLiteral("\\d"))))
             site.replace(QLatin1Char('\'') + literal + QLatin1Char('\''), QStringLiteral("'?'"));
@@ -105,7 +103,8 @@ protected:
                            " OR (FDeliveryStatus = 1 AND IFNULL(FPIckingGoodsStatus, 0) <> 1 AND FUniqueCode <> '10001')"
                            " OR (FSendDate IS NOT NULL) <> (IFNULL(FDeliveryStatus, 0) = 1))"),
             {stationPicker}).toString();
-        EXPECT_TRUE(halfWritten.isEmpty()) << halfWritten.toStdString() << " in " << writtenRows().join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(halfWritten.isEmpty())
+            << halfWritten.toStdString() << " in " << writtenRows().join(QLatin1Char(' ')).toStdString();
         const int rows = dbValue(QStringLiteral("SELECT COUNT(*) FROM IC_Web2ErpOrderSerial s JOIN IC_Web2ERPOrdersEntry e "
                                                 "ON e.FEntryID = s.FEntryID JOIN IC_Web2ERPOrders o ON o.FID = e.FID "
                                                 "WHERE o.FUniqueCode = '10021'"))
@@ -128,11 +127,6 @@ protected:
         m_rec->answers.clear();
         m_faults.disarm();
         m_faults.resetCounts();
-    }
-
-    void publishProps(const QString& props)
-    {
-        CreateServerObjectAs<IShareProps>(ProgIds::ShareProps)->SetProperty(CurrentProcessId(), QStringLiteral("PropsString"), props);
     }
 
     // What the session writes; quote() tells text ('1') from numbers (1).
@@ -174,9 +168,10 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
         m_faults.resetCounts();
         runSessionUpToClose();
         closeSession();
+        const QList<HostCall> odbc = m_faults.calls();
         for (int i = 0; i < clean.size(); ++i)
-            ASSERT_EQ(m_faults.calls().value(i).key + m_faults.calls().value(i).detail, clean[i].key + clean[i].detail) << i;
-        EXPECT_EQ(m_faults.calls().size(), clean.size());
+            ASSERT_EQ(odbc.value(i).key + odbc.value(i).detail, clean[i].key + clean[i].detail) << i;
+        EXPECT_EQ(odbc.size(), clean.size());
         EXPECT_EQ(writtenRows(), rows);
         publishProps(DemoPropsString(m_db, 1));
     }
@@ -206,7 +201,6 @@ TEST_F(FaultInjectionTest, EveryCallSiteFailsOnceInTurnAndTheStationCarriesOn)
             picked << i;
     QList<int> sites = picked.values();
     std::sort(sites.begin(), sites.end());
-    ASSERT_GE(m_faults.count(newProps), 40);
     ASSERT_GE(sites.size(), 60) << "too few call sites: the session no longer reaches them";
 
     for (int i : sites) {
