@@ -28,7 +28,7 @@ public:
     }
 
     // Wraps the objects now registered for every ProgID the station reaches
-    // but the message box and the employee picker.
+    // but the message box, the employee picker and the language info.
     void install();
 
     // The number-th call of key fails, once. Several may be armed.
