@@ -1,8 +1,5 @@
 #include "reliability/event_loop_guard.h"
-#include "host/host_error.h"
 #include <QCoreApplication>
-#include <QEvent>
-#include <QObject>
 #include <exception>
 
 namespace {
@@ -10,22 +7,9 @@ namespace {
 EventLoopGuard* g_current = nullptr;
 bool g_inCallback = false;
 
-QString describeCurrentException()
-{
-    try {
-        throw;
-    } catch (const HostError& e) {
-        return QStringLiteral("HostError %1: %2").arg(e.number()).arg(e.description());
-    } catch (const std::exception& e) {
-        return QString::fromLocal8Bit(e.what());
-    } catch (...) {
-        return QStringLiteral("unknown exception");
-    }
-}
-
 // Qt asks this before it delivers any event through notifyInternal2: when it
 // answers true the event counts as delivered. It delivers the event itself,
-// inside a try block.
+// guarded.
 bool deliverGuarded(void** data)
 {
     if (!g_current || g_inCallback)
@@ -34,46 +18,39 @@ bool deliverGuarded(void** data)
     auto* event = static_cast<QEvent*>(data[1]);
     auto* result = static_cast<bool*>(data[2]);
     // Only the outermost delivery is wrapped; nested ones go the normal way
-    // and unwind into this frame.
+    // and unwind into this frame. The receiver is named before it can be gone.
     g_inCallback = true;
-    const int type = int(event->type());
+    *result = true;
     const QString name = receiver->objectName().isEmpty() ? QString::fromLatin1(receiver->metaObject()->className())
                                                           : receiver->objectName();
-    try {
-        *result = QCoreApplication::instance()->notify(receiver, event);
-    } catch (...) {
-        *result = true;
-        g_current->record(QStringLiteral("event %1 to %2: %3").arg(type).arg(name, describeCurrentException()));
-    }
+    g_current->run([&] { *result = QCoreApplication::instance()->notify(receiver, event); },
+                   QStringLiteral("event %1 to %2").arg(int(event->type())).arg(name));
     g_inCallback = false;
     return true;
 }
 
 } // namespace
 
-EventLoopGuard::EventLoopGuard() : m_previous(g_current)
+EventLoopGuard::EventLoopGuard()
 {
-    if (!m_previous)
-        QInternal::registerCallback(QInternal::EventNotifyCallback, &deliverGuarded);
+    Q_ASSERT(!g_current);
+    QInternal::registerCallback(QInternal::EventNotifyCallback, &deliverGuarded);
     g_current = this;
 }
 
 EventLoopGuard::~EventLoopGuard()
 {
-    g_current = m_previous;
-    if (!m_previous)
-        QInternal::unregisterCallback(QInternal::EventNotifyCallback, &deliverGuarded);
+    g_current = nullptr;
+    QInternal::unregisterCallback(QInternal::EventNotifyCallback, &deliverGuarded);
 }
 
 void EventLoopGuard::run(const std::function<void()>& work, const QString& what)
 {
     try {
         work();
+    } catch (const std::exception& e) {
+        m_escapes << what + QStringLiteral(": ") + QString::fromLocal8Bit(e.what());
     } catch (...) {
-        record(QStringLiteral("%1: %2").arg(what, describeCurrentException()));
+        m_escapes << what + QStringLiteral(": unknown exception");
     }
 }
-
-EventLoopGuard* EventLoopGuard::current() { return g_current; }
-
-void EventLoopGuard::record(const QString& what) { m_escapes << what; }

@@ -1,10 +1,9 @@
 #pragma once
-// Catches what would reach the event loop: while a guard lives, every event
-// that Qt delivers through sendEvent, postEvent or processEvents runs inside
-// a try block, and an exception that leaves a handler is recorded instead of
+// Catches what would reach the event loop: while the guard lives, an exception
+// that leaves the handler of any event Qt delivers is recorded instead of
 // tearing the test program down. QTest's key and mouse clicks call
-// QApplication::notify directly and bypass that hook, so the fixtures send
-// them through run(), which guards them the same way.
+// QApplication::notify directly, past that hook, so the fixtures send them
+// through run(), which guards them the same way. One guard at a time.
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -23,11 +22,6 @@ public:
     QStringList escapes() const { return m_escapes; }
     void clear() { m_escapes.clear(); }
 
-    // The guard that is installed now, or null.
-    static EventLoopGuard* current();
-    void record(const QString& what);
-
 private:
     QStringList m_escapes;
-    EventLoopGuard* m_previous = nullptr;
 };

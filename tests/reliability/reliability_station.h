@@ -5,44 +5,9 @@
 #include "reliability/event_loop_guard.h"
 #include "reliability/host_fault_injector.h"
 #include "station/station_fixture.h"
-#include "grid/goods_text_view.h"
-#include "log/log_list.h"
 #include "support/qt_print.h"
-#include "tiles/goods_list_view.h"
-#include <QCheckBox>
 #include <QClipboard>
-#include <QLabel>
 #include <QMimeData>
-#include <QPushButton>
-
-
-// What a worker sees of the station and what it counts: everything that a
-// refused input must leave as it was.
-struct StationSnapshot {
-    QString currentOrder, orderNum, pickedNum, pickInfo, webshop;
-    qint32 picked = 0, excess = 0, error = 0, missing = 0;
-    bool passed = false;
-    QStringList lines;   // "GoodsID/FEntryID:order/pick/checked/serials"
-    int sessionEntries = 0;
-    QStringList logRows;
-
-    bool operator==(const StationSnapshot&) const = default;
-    QString describe() const
-    {
-        return QStringLiteral("order %1 [%2 %3 %4] picked %5 excess %6 error %7 missing %8 passed %9 lines %10 log %11: %12")
-            .arg(currentOrder, orderNum, pickedNum, pickInfo)
-            .arg(picked)
-            .arg(excess)
-            .arg(error)
-            .arg(missing)
-            .arg(passed)
-            .arg(lines.join(QLatin1Char(' ')))
-            .arg(sessionEntries)
-            .arg(logRows.join(QStringLiteral(" | ")));
-    }
-};
-
-inline std::ostream& operator<<(std::ostream& os, const StationSnapshot& s) { return os << s.describe().toStdString(); }
 
 class ReliabilityStationTest : public StationFormTest {
 protected:
@@ -58,9 +23,13 @@ protected:
     {
         // Nothing may have escaped into the event loop, whatever the test did.
         EXPECT_TRUE(m_guard.escapes().isEmpty()) << m_guard.escapes().join(QLatin1Char('\n')).toStdString();
-        if (m_form && m_form->isVisible())
-            m_guard.run([this] { m_form->closeWithoutAsking(); }, QStringLiteral("close"));
         StationFormTest::TearDown();
+    }
+
+    void publishProps(const QString& props)
+    {
+        CreateServerObjectAs<IShareProps>(ProgIds::ShareProps)
+            ->SetProperty(CurrentProcessId(), QStringLiteral("PropsString"), props);
     }
 
     frmPickigGoods& open()
@@ -101,16 +70,16 @@ protected:
         }, QStringLiteral("typing into %1").arg(field->objectName()));
     }
 
-    void press(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    void press(QWidget* widget, Qt::Key key)
     {
         m_guard.run([&] {
-            QTest::keyClick(widget, key, modifiers);
+            QTest::keyClick(widget, key);
             QApplication::processEvents();
         }, QStringLiteral("key %1 in %2").arg(int(key)).arg(widget->objectName()));
     }
 
     // The clipboard and Ctrl+V, into the whole field.
-    void paste(QLineEdit* field, const QString& text, bool enter = true)
+    void paste(QLineEdit* field, const QString& text)
     {
         m_guard.run([&] {
             QApplication::clipboard()->setText(text);
@@ -119,11 +88,9 @@ protected:
             field->selectAll();
             QTest::keyClick(field, Qt::Key_V, Qt::ControlModifier);
         }, QStringLiteral("paste into %1").arg(field->objectName()));
-        if (enter)
-            press(field, Qt::Key_Return);
     }
 
-    // Text dropped on the field, as from another window.
+    // Text dragged onto the field and dropped, as from another window.
     void drop(QLineEdit* field, const QString& text)
     {
         m_guard.run([&] {
@@ -132,10 +99,10 @@ protected:
             field->del();
             QMimeData mime;
             mime.setText(text);
-            const QPointF at = field->rect().center();
-            QDragEnterEvent enter(at.toPoint(), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            const QPoint at = field->rect().center();
+            QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(field, &enter);
-            QDragMoveEvent move(at.toPoint(), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            QDragMoveEvent move(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(field, &move);
             QDropEvent dropEvent(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(field, &dropEvent);
@@ -151,39 +118,34 @@ protected:
         }, QStringLiteral("click %1").arg(button->objectName()));
     }
 
-    StationSnapshot snapshot() const
+    // What a worker sees of the station and what it counts, as text: all
+    // that a refused input must leave as it was.
+    QString snapshot() const
     {
-        const frmPickigGoods& f = *m_form;
-        StationSnapshot s;
-        s.currentOrder = f.pickingState().CurrentOrderCode();
-        s.orderNum = controls(f).lblOrderNum->text();
-        s.pickedNum = controls(f).lblPickedNum->text();
-        s.pickInfo = controls(f).lblPickInfo->text();
-        s.webshop = controls(f).txtWebshop->text();
-        s.picked = f.pickingState().pickedNum();
-        s.excess = f.pickingState().excessNum();
-        s.error = f.pickingState().errorNum();
-        s.missing = f.pickingState().missingNum();
-        s.passed = controls(f).ImgSuccess->isVisible();
+        const PickingState& p = m_form->pickingState();
+        const auto c = controls(*m_form);
+        const int logged = p.SessionOrderLog().isNone() ? -1 : p.SessionOrderLog().Count();
+        QStringList s{p.CurrentOrderCode(), c.lblOrderNum->text(), c.lblPickedNum->text(), c.lblPickInfo->text(),
+                      c.txtWebshop->text(),
+                      QStringLiteral("counts %1/%2/%3/%4").arg(p.pickedNum()).arg(p.excessNum()).arg(p.errorNum())
+                          .arg(p.missingNum()),
+                      QStringLiteral("passed %1, %2 logged").arg(c.ImgSuccess->isVisible()).arg(logged)};
         const RecordList lines = GetGoodsLineSet();
         for (int i = 0; !lines.isNone() && i < lines.Count(); ++i) {
-            const GoodsRecord l = lines.Item(i);
-            s.lines << QStringLiteral("%1/%2:%3/%4/%5/%6")
-                           .arg(l.GetValue(QStringLiteral("GoodsID")).toString(), l.GetValue(QStringLiteral("FEntryID")).toString(),
-                                l.GetValue(QStringLiteral("GoodsOrderCnt")).toString(), l.GetValue(QStringLiteral("GoodsPickCnt")).toString(),
-                                l.GetValue(QStringLiteral("GoodsCheckedCnt")).toString(), l.GetValue(QStringLiteral("FSeriNum")).toString());
+            QStringList values;
+            for (const char* key : {"GoodsID", "FEntryID", "GoodsOrderCnt", "GoodsPickCnt", "GoodsCheckedCnt", "FSeriNum"})
+                values << lines.Item(i).GetValue(QLatin1String(key)).toString();
+            s << values.join(QLatin1Char('/'));
         }
-        s.sessionEntries = f.pickingState().SessionOrderLog().isNone() ? -1 : f.pickingState().SessionOrderLog().Count();
-        s.logRows = controls(f).LogList1->allRowTexts();
-        return s;
+        return (s + c.LogList1->allRowTexts()).join(QLatin1Char('\n'));
     }
 
-    // Boxes that carry an injected fault, and all box texts since a mark.
+    // Boxes that tell of an injected fault: a failed call or an object not made.
     QStringList faultBoxes() const
     {
         QStringList found;
         for (const ShownBox& box : m_rec->boxes)
-            if (box.text.contains(HostFaultInjector::FaultMarker))
+            if (box.text.contains(HostFaultInjector::FaultMarker) || box.text.contains(QLatin1String("can't create object")))
                 found << box.title + QStringLiteral(": ") + box.text;
         return found;
     }
