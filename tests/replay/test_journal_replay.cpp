@@ -14,7 +14,7 @@ namespace {
 const QString kRestoreQuestion = QStringLiteral("Velto提示: 上次的校验没有正常结束，是否恢复？");
 
 // Barcode and serial scans, a typed quantity, goods of another order, an order
-// left and taken up again, passes and a re-pick (the barcodes of goods 1001,
+// left and taken up again, passes and re-picks (the barcodes of goods 1001,
 // 1014, 1002 and 1008, and of 1013, whose only order is not released for picking).
 const QStringList kSession{
     "scan TxtID 10001",
@@ -34,6 +34,8 @@ const QStringList kSession{
     "scan TxtItemID W1-0001",
     "scan TxtItemID W1-0002",
     "scan TxtItemID PAD-0001",
+    "type TxtID +",   // "+" re-picks the order last scanned
+    "click CmdBtnRePick",
 };
 
 // What the station shows, without what belongs to one step only.
@@ -69,6 +71,10 @@ TEST_P(JournalReplay, KilledAfterEveryCommandTheStationComesBackAsItStood)
         const QJsonObject last = station->send(session[n]);
         ASSERT_FALSE(last.isEmpty()) << station->error.toStdString();
         EXPECT_EQ(shownState(last), shownState(reference.steps[n])) << "the session run without a stop";
+        // Keys typed into the order field without Enter are no handler's work
+        // and not journalled: a station dying there comes back without them.
+        if (session[n].startsWith(QLatin1String("type TxtID")))
+            continue;
         {
             std::optional<BriefFileLock> lock;   // another program writing as the station dies
             if (n % 2)
